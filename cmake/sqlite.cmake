@@ -1,0 +1,55 @@
+# The database engine: SQLite in the build "SQLite3 Multiple Ciphers", compiled once, symbols hidden.
+# By default its amalgamation is fetched by the version and hash pinned in deps/package-lock.json.
+set(VDSTO_SQLITE_DIR "" CACHE PATH
+    "Folder with sqlite3.c and sqlite3.h of SQLite3 Multiple Ciphers; empty: fetch the pinned one")
+set(VDSTO_SQLITE_LIBRARY "" CACHE FILEPATH
+    "Installed SQLite3 Multiple Ciphers library to link instead of compiling sqlite3.c")
+
+set(sqlite_dir "${VDSTO_SQLITE_DIR}")
+if(NOT sqlite_dir)
+  set(fetch_dir ${PROJECT_BINARY_DIR}/deps)
+  set(sqlite_dir ${fetch_dir}/node_modules/better-sqlite3-multiple-ciphers/deps/sqlite3)
+  file(MAKE_DIRECTORY ${fetch_dir})
+  configure_file(deps/package.json ${fetch_dir}/package.json COPYONLY)
+  configure_file(deps/package-lock.json ${fetch_dir}/package-lock.json COPYONLY)
+  if(NOT EXISTS ${sqlite_dir}/sqlite3.c OR
+     ${PROJECT_SOURCE_DIR}/deps/package-lock.json IS_NEWER_THAN ${sqlite_dir}/sqlite3.c)
+    message(STATUS "Fetching the database engine's source (npm, no install scripts)")
+    execute_process(
+      COMMAND npm ci --ignore-scripts --no-audit --no-fund --loglevel=error
+      WORKING_DIRECTORY ${fetch_dir}
+      RESULT_VARIABLE npm_result)
+    if(NOT npm_result EQUAL 0 OR NOT EXISTS ${sqlite_dir}/sqlite3.c)
+      message(FATAL_ERROR "The database engine's source could not be fetched; "
+                          "point VDSTO_SQLITE_DIR at a copy of it.")
+    endif()
+    file(TOUCH ${sqlite_dir}/sqlite3.c)
+  endif()
+endif()
+
+if(VDSTO_SQLITE_LIBRARY)
+  add_library(vdsto_sqlite INTERFACE)
+  target_link_libraries(vdsto_sqlite INTERFACE ${VDSTO_SQLITE_LIBRARY})
+  target_include_directories(vdsto_sqlite SYSTEM INTERFACE ${sqlite_dir})
+else()
+  add_library(vdsto_sqlite OBJECT ${sqlite_dir}/sqlite3.c)
+  target_include_directories(vdsto_sqlite SYSTEM PUBLIC ${sqlite_dir})
+  target_compile_options(vdsto_sqlite PRIVATE -w -fvisibility=hidden)
+  if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+    target_compile_options(vdsto_sqlite PRIVATE -O2)
+  endif()
+  target_compile_definitions(vdsto_sqlite PRIVATE
+    SQLITE_DQS=0
+    SQLITE_THREADSAFE=2               # a connection is never shared without our own lock
+    SQLITE_DEFAULT_MEMSTATUS=0
+    SQLITE_DEFAULT_WAL_SYNCHRONOUS=1
+    SQLITE_LIKE_DOESNT_MATCH_BLOBS
+    SQLITE_MAX_EXPR_DEPTH=0
+    SQLITE_OMIT_DEPRECATED
+    SQLITE_OMIT_LOAD_EXTENSION
+    SQLITE_OMIT_SHARED_CACHE
+    SQLITE_TEMP_STORE=3               # temporary results stay in memory: nothing unencrypted on disk
+    SQLITE_USE_URI=0)
+  find_package(Threads REQUIRED)
+  target_link_libraries(vdsto_sqlite PUBLIC Threads::Threads ${CMAKE_DL_LIBS} m)
+endif()

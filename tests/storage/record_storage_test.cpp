@@ -1,0 +1,253 @@
+#include <algorithm>
+#include <cstdio>
+#include <sstream>
+
+#include "tests/storage/faulty_environment.h"
+#include "tests/storage/record_test.h"
+#include "vdstomgr/storage/array_file.h"
+#include "vdstomgr/storage/repair_storage.h"
+#include "vdstomgr/storage/sync_storage.h"
+#include "vdstomgr/storage/verify_storage.h"
+
+namespace {
+
+TEST_F(Records, StandInTheFilesByteForByte) {
+  const std::string zeros(252, '\0');
+  ASSERT_TRUE(CRkStorageManager::CreateStorageFile(path_.c_str(), 7, kText, 4));
+  EXPECT_EQ(Read(path_).size(), 284U);
+  EXPECT_EQ(Read(index_).size(), 32U);
+  ASSERT_TRUE(storage_.LoadStorageFile(path_.c_str(), 2, 3));
+  EXPECT_EQ(storage_.GetSize(), 0);
+  EXPECT_EQ(storage_.GetStorageID(), 7U);
+  ASSERT_TRUE(Put("ab", "hi!"));
+  ASSERT_TRUE(Put("c", ""));
+  ASSERT_TRUE(storage_.RemoveAt(storage_.FindString("C", true)));
+  const std::string data = Read(path_);
+  EXPECT_EQ(data.size(), 104857600U);
+  EXPECT_EQ(data.substr(0, 323), Bytes("FF004441543000003031303007000000"
+                                       "00000000530004002700000000000000") +
+                                     zeros +
+                                     Bytes("FF11150000003A83D341616200000000"
+                                           "68692100FF"
+                                           "FF221200000000000000630000000000"
+                                           "00FF"));
+  const std::string index = Read(index_);
+  EXPECT_EQ(index.size(), 10485760U);
+  EXPECT_EQ(index.substr(0, 54), Bytes("FB004152524159003031303007000000"
+                                       "16000000000000001600000000000000"
+                                       "6162000000003A83D341000000000000"
+                                       "000015000000"));
+  ASSERT_TRUE(Put("d", "x"));
+  EXPECT_EQ(Take(storage_.FindString("d", true)), "x");
+}
+
+TEST_F(Records, TakeKeysOfTheirKindOnly) {
+  Make(kNumber, 4);
+  ASSERT_TRUE(storage_.Add(5, kBytes, 3, true));
+  EXPECT_EQ(Read(path_).substr(24 + 0, 1), std::string(1, 21));  // 4 + 3 + 14 bytes
+  EXPECT_FALSE(Put("5", "x"));
+  EXPECT_EQ(storage_.FindString("5", true), 0);
+  EXPECT_EQ(storage_.FindStringAt("5", true), 0);
+  EXPECT_FALSE(storage_.RemoveAll());
+  ASSERT_TRUE(storage_.Add(0x80000001, kBytes, 0, true));
+  EXPECT_EQ(storage_.FindDWORD(0x80000001, true),
+            1);  // 5 - 0x80000001 is below 0 as a signed number
+  ASSERT_TRUE(storage_.Add(DWORD{0}, kBytes, 1, true));
+  EXPECT_EQ(storage_.GetKeyAtDWORD(storage_.FindDWORD(0, true)), 0U);
+  Make(kNumber, 2);
+  EXPECT_FALSE(storage_.Add(5, kBytes, 3, true));
+  Make(kText, 4);
+  EXPECT_FALSE(storage_.Add(5, kBytes, 3, true));
+  EXPECT_FALSE(storage_.Add("a", kBytes, -1, true));
+  EXPECT_FALSE(storage_.Add("a", nullptr, 1, true));
+  EXPECT_FALSE(storage_.Add(nullptr, kBytes, 1, true));
+  EXPECT_EQ(storage_.FindDWORD(5, true), 0);
+  ASSERT_TRUE(Put("LONGER", "x"));
+  EXPECT_EQ(storage_.FindString("longest", true), 0);  // four bytes count
+  EXPECT_EQ(storage_.FindStringAt("longe", true), -1);
+  EXPECT_EQ(storage_.FindStringAt("lo", true), 0);
+  CString key;
+  EXPECT_EQ(storage_.GetKeyAtString(0, key), 4);
+  EXPECT_EQ(key, "LONG");
+  EXPECT_EQ(storage_.GetKeyAtString(1, key), 0);
+  EXPECT_FALSE(CRkStorageManager::CreateStorageFile(Path("nopoint").c_str(), 1, kText, 4));
+  EXPECT_EQ(Read(Path("nopoint")), "");
+}
+
+TEST_F(Records, AnswerWithNothingWhenThereIsNothing) {
+  int length = -7;
+  EXPECT_EQ(storage_.FindString("a", true), 0);  // no file: no kind of keys
+  EXPECT_FALSE(Put("a", "x"));
+  EXPECT_FALSE(storage_.SortStorageCluster());
+  EXPECT_FALSE(vdstomgr::SyncStorage(storage_));
+  EXPECT_FALSE(storage_.LoadStorageFile(path_.c_str(), 2, 3));
+  EXPECT_EQ(TakeBoxes().size(), 1U);
+  EXPECT_THAT(TakeTraces().back(), testing::StartsWith("CRkStorageManager::LoadStorageFile >> "));
+  Write("r.pdb", "");
+  EXPECT_FALSE(storage_.LoadStorageFile(path_.c_str(), 2, 3));
+  EXPECT_FALSE(storage_.IsFileOpened());
+  Make(kText, 4);
+  EXPECT_EQ(storage_.GetBuffer(-1, length), nullptr);
+  EXPECT_EQ(length, -7);
+  storage_.ReleaseBuffer();
+  EXPECT_EQ(storage_.GetBuffer(0, length), nullptr);
+  EXPECT_EQ(length, 0);
+  storage_.ReleaseBuffer();
+  EXPECT_FALSE(storage_.RemoveAt(0));
+  EXPECT_FALSE(storage_.RemoveAt(-1));
+  storage_.FreeStorageFile();
+  std::filesystem::remove(index_);
+  EXPECT_FALSE(storage_.LoadStorageFile(path_.c_str(), 2, 3));
+  EXPECT_TRUE(storage_.IsFileOpened());  // without an index nothing can be done but to close it
+  EXPECT_FALSE(Put("a", "x"));
+  EXPECT_FALSE(storage_.CompactStorageFileOnline(path_.c_str(), 0));
+  EXPECT_TRUE(std::filesystem::exists(path_));
+}
+
+TEST_F(Records, AreHeldOneAtATime) {
+  Make(kText, 4);
+  ASSERT_TRUE(Put("a", "one"));
+  ASSERT_TRUE(Put("b", "two"));
+  int length = 0;
+  ASSERT_NE(storage_.GetBuffer(0, length), nullptr);
+  EXPECT_TRUE(storage_.IsStorageLocked());
+  EXPECT_FALSE(Put("c", "x"));
+  EXPECT_FALSE(storage_.RemoveAt(1));
+  EXPECT_FALSE(storage_.CompactStorageFileOnline(path_.c_str(), 0));
+  storage_.Flush();
+  storage_.ReleaseBuffer();
+  EXPECT_FALSE(storage_.IsStorageLocked());
+  EXPECT_EQ(Take(1), "two");
+}
+
+TEST_F(Records, AreSharedByCopiesUntilOneCloses) {
+  Make(kText, 4);
+  CRkStorageManager copy(storage_);
+  ASSERT_TRUE(Put("a", "one"));
+  EXPECT_EQ(copy.FindString("a", true), 0);
+  copy.FreeStorageFile();
+  EXPECT_FALSE(storage_.IsFileOpened());
+  ASSERT_TRUE(copy.LoadStorageFile(path_.c_str(), 2, 3));
+  EXPECT_EQ(storage_.GetSize(), 1);
+}
+
+TEST_F(Records, ShowTheirClustersInOrderToWhoHasTheFile) {
+  Make(kText, 2);
+  for (int i = 0; i < 300; ++i) ASSERT_TRUE(Put(std::to_string(i * 37 % 100), "x"));
+  CRkFileArrayManager* const clusters = storage_.GetClusterArray();
+  const auto expect_order = [&] {
+    const auto* units = static_cast<const char*>(clusters->GetArrayPtr());
+    for (int i = 1; i < clusters->GetSize(); ++i) {
+      ASSERT_LE(std::string(units + 20 * (i - 1), 2), std::string(units + 20 * i, 2));
+    }
+  };
+  expect_order();
+  ASSERT_TRUE(Put("00", "x"));
+  ASSERT_TRUE(storage_.RemoveAt(150));
+  expect_order();
+  clusters->RemoveAt(0);
+  EXPECT_EQ(storage_.GetSize(), 299);
+  EXPECT_EQ(storage_.FindString("00", true), 2);  // behind the two that are left of "0"
+}
+
+TEST_F(Records, LoseTheRemovedOnesAndTheirOrderInACompaction) {
+  Make(kText, 4);
+  for (const char* key : {"c", "a", "b"}) ASSERT_TRUE(Put(key, key));
+  ASSERT_TRUE(storage_.RemoveAt(1));
+  EXPECT_TRUE(storage_.CompactStorageFileOnline(path_.c_str(), 3));  // too few: nothing happens
+  EXPECT_EQ(Read(path_)[284 + 10], 'c');
+  storage_.FreeStorageFile();
+  const std::string old = Read(path_);
+  Write("r.pdb.bak", "older");
+  ASSERT_TRUE(CRkStorageManager::CompactStorageFile(path_.c_str()));
+  EXPECT_EQ(Read(path_)[24], 2 * 19);
+  EXPECT_EQ(Read(path_)[284 + 10], 'a');
+  EXPECT_EQ(Read(path_)[284 + 19 + 10], 'c');
+  EXPECT_EQ(Read(path_ + ".bak"), old);
+  EXPECT_TRUE(std::filesystem::exists(index_ + ".bak"));
+  ASSERT_TRUE(storage_.LoadStorageFile(path_.c_str(), 2, 3));
+  EXPECT_FALSE(storage_.CompactStorageFileOnline(path_.c_str(), 0));  // there is a .bak
+  EXPECT_FALSE(storage_.IsFileOpened());
+  std::filesystem::remove(path_ + ".bak");
+  EXPECT_FALSE(std::filesystem::exists(path_ + ".compacting.pdb"));
+  ASSERT_TRUE(storage_.LoadStorageFile(path_.c_str(), 2, 3));
+  EXPECT_FALSE(storage_.CompactStorageFileOnline(path_.c_str(), 0));  // now the index's
+  std::filesystem::remove(index_ + ".bak");
+  ASSERT_TRUE(storage_.LoadStorageFile(path_.c_str(), 2, 3));
+  EXPECT_TRUE(storage_.CompactStorageFileOnline(path_.c_str(), 0));
+  EXPECT_FALSE(std::filesystem::exists(path_ + ".bak"));
+  EXPECT_EQ(Take(0), "a");
+}
+
+/// Every call of the file system fails, alone or with all that follow: an add that answers false
+/// has added nothing, and what was there stays.
+TEST_F(Records, SurviveEveryFailureOfTheFileSystem) {
+  FaultyFiles files;
+  bool ran_clean = false;
+  for (int call = 1; !ran_clean && call < 200; ++call) {
+    SCOPED_TRACE(call);
+    files.Heal();
+    Make(kText, 4);
+    ASSERT_TRUE(Put("a", "one"));
+    storage_.FreeStorageFile();
+    std::filesystem::resize_file(path_, 284 + 4 + 3 + 14);
+    files.FailAt(call, call % 2 == 0);
+    const bool loaded = storage_.LoadStorageFile(path_.c_str(), 2, 3);
+    const bool added = loaded && Put("b", "two");
+    const bool removed = loaded && storage_.RemoveAt(storage_.FindString("a", true));
+    if (loaded) storage_.CompactStorageFileOnline(path_.c_str(), 0);
+    storage_.FreeStorageFile();
+    ran_clean = !files.HasFailed();
+    files.Heal();
+    if (!std::filesystem::exists(path_) || !std::filesystem::exists(index_)) {
+      ASSERT_TRUE(vdstomgr::RepairStorage(path_.c_str()).repaired);
+    }
+    for (const std::string& file : {path_, index_}) std::filesystem::remove(file + ".bak");
+    ASSERT_TRUE(storage_.LoadStorageFile(path_.c_str(), 2, 3));
+    EXPECT_EQ(storage_.FindString("b", true) != -1, added);
+    EXPECT_EQ(storage_.FindString("a", true) != -1, !removed);
+    const auto report = vdstomgr::VerifyStorage(path_.c_str());
+    EXPECT_TRUE(report.is_sound) << report.findings.front().text;
+    TakeBoxes();
+  }
+  EXPECT_TRUE(ran_clean);
+}
+
+/// After a power cut there is what SyncStorage has acknowledged.
+TEST_F(Records, AreSafeFromAPowerCutOnceSynced) {
+  FaultyFiles files;
+  Make(kText, 4);
+  for (const char* key : {"c", "a", "b"}) ASSERT_TRUE(Put(key, key));
+  ASSERT_TRUE(vdstomgr::SyncStorage(storage_));
+  ASSERT_TRUE(Put("d", "lost"));
+  storage_.FreeStorageFile();
+  files.LoseUnsynced();
+  ASSERT_TRUE(storage_.LoadStorageFile(path_.c_str(), 2, 3));
+  EXPECT_EQ(storage_.GetSize(), 3);
+  EXPECT_EQ(Take(1), "b");
+}
+
+#if !defined(_WIN32)
+TEST_F(Records, AreWhatAReaderWrittenFromThePageFinds) {
+  Make(kText, 12);
+  std::string expected;
+  for (int i = 0; i < 200; ++i) {
+    const std::string key = "key-" + std::to_string(i * 7919 % 100000) + "\xB0\xA1";
+    const std::string data(static_cast<std::size_t>(i * i), static_cast<char>(i));
+    ASSERT_TRUE(Put(key, data, i % 3 == 0));
+    if (i % 5 == 0) {
+      ASSERT_TRUE(storage_.RemoveAt(storage_.FindString(key.c_str(), true)));
+    } else {
+      expected += Hex((key + std::string(12, '\0')).substr(0, 12)) + " " + Hex(data) + "\n";
+    }
+  }
+  const auto script = std::filesystem::path(__FILE__).parent_path() / "read_storage.py";
+  FILE* const reader = popen(("python3 " + script.string() + " " + path_).c_str(), "r");
+  std::string output;
+  for (int c = fgetc(reader); c != EOF; c = fgetc(reader)) output += static_cast<char>(c);
+  EXPECT_EQ(pclose(reader), 0);
+  EXPECT_EQ(output, expected);
+}
+#endif
+
+}  // namespace

@@ -1,0 +1,92 @@
+#include "tools/vdsto/commands/photo_text.h"
+
+#include <ctime>
+#include <nlohmann/json.hpp>
+
+#include "tools/vdsto/library/folder_rows.h"
+#include "tools/vdsto/picture/source_file.h"
+#include "tools/vdsto/text/source_location.h"
+
+namespace vdsto {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json TextOrNull(const std::string& text) {
+  return text.empty() ? Json() : Json(text);
+}
+Json NumberOrNull(uint32_t number) {
+  return number == 0 ? Json() : Json(number);
+}
+
+Json ExifAsJson(const PHOTOINFO& photo) {
+  return {{"version", TextOrNull(photo.GetExifVer())},
+          {"maker", TextOrNull(photo.GetExifMaker())},
+          {"model", TextOrNull(photo.GetExifModel())},
+          {"shot", TextOrNull(TimeText(photo.ExifShootDate))},
+          {"exposure", TextOrNull(photo.GetExifExposure())},
+          {"f_number", TextOrNull(photo.GetExifFnumber())},
+          {"exposure_bias", TextOrNull(photo.GetExifExposureBias())},
+          {"focal_length", NumberOrNull(photo.ExifFocalLength)},
+          {"focal_length_35mm", NumberOrNull(photo.Exif35FocalLength)},
+          {"iso", NumberOrNull(photo.ExifISO)},
+          {"orientation", NumberOrNull(photo.ExifRotate)},
+          {"metering_mode", photo.ExifMeteringMode},
+          {"flash", photo.ExifFlash}};
+}
+
+}  // namespace
+
+std::string TimeText(int32_t time) {
+  if (time == 0) return {};
+  const std::time_t seconds = time;
+  std::tm local{};
+  localtime_r(&seconds, &local);
+  char text[32];
+  return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local));
+}
+
+std::string LastWriteText(const PHOTOINFO& photo) {
+  return TimeText(UnixTimeOf(StampOf(photo).last_write));
+}
+
+bool CanBeShown(const PHOTOINFO& photo) {
+  return *photo.GetLTBURL() != '\0';
+}
+
+std::string PixelText(const PHOTOINFO& photo) {
+  return CanBeShown(photo) ? std::to_string(photo.Width) + " x " + std::to_string(photo.Height)
+                           : "-";
+}
+
+Json PhotoAsJson(const PHOTOINFO& photo, const std::string& folder) {
+  const bool shown = CanBeShown(photo);
+  return {{"guid", photo.szGUID},
+          {"name", photo.GetFileName()},
+          {"folder", folder},
+          {"folder_id", photo.dwFolderID},
+          {"size", photo.FileSize},
+          {"md5", TextOrNull(photo.szMD5)},
+          {"width", shown ? Json(photo.Width) : Json()},
+          {"height", shown ? Json(photo.Height) : Json()},
+          {"rotate", photo.byteRotate},
+          {"shot", TextOrNull(TimeText(photo.ShootDate))},
+          {"registered", TextOrNull(TimeText(photo.RegDate))},
+          {"modified", TextOrNull(TimeText(photo.UserModify))},
+          {"last_write", TextOrNull(LastWriteText(photo))},
+          {"last_write_filetime", StampOf(photo).last_write},
+          {"original", TextOrNull(photo.GetOPURL())},
+          {"thumbnail", TextOrNull(photo.GetLTBURL())},
+          {"shooter", TextOrNull(photo.GetShooter())},
+          {"camera_model", TextOrNull(photo.GetCameraModel())},
+          {"camera_lens", TextOrNull(photo.GetCameraLens())},
+          {"rating", photo.byteRating},
+          {"flags", photo.byteFlag},
+          {"exif", ExifAsJson(photo)}};
+}
+
+std::string JsonText(const Json& json) {
+  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace vdsto

@@ -1,0 +1,38 @@
+#pragma once
+#include <cstdint>
+#include <nlohmann/json_fwd.hpp>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace vdsto {
+
+/// A file that the user should know about, and why.
+struct Remark {
+  std::string path;
+  std::string reason;
+};
+
+/// What an import did.
+struct ImportSummary {
+  uint64_t added = 0;
+  uint64_t updated = 0;
+  uint64_t unchanged = 0;
+  uint64_t not_pictures = 0;
+  uint64_t hidden = 0;  ///< files and folders whose name begins with a dot
+  int folders_created = 0;
+  std::vector<Remark> broken;      ///< kept, but cannot be shown
+  std::vector<Remark> damaged;     ///< kept, shown in part
+  std::vector<Remark> unreadable;  ///< files and folders that could not be read
+  std::vector<Remark> not_stored;  ///< pictures that the catalogue refused
+  std::vector<Remark> long_paths;  ///< kept without their location
+  double seconds = 0;
+  bool interrupted = false;
+
+  uint64_t Pictures() const { return added + updated + unchanged; }
+};
+
+void PrintSummary(const ImportSummary& summary, std::ostream& out);
+nlohmann::ordered_json SummaryAsJson(const ImportSummary& summary);
+
+}  // namespace vdsto

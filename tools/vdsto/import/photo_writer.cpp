@@ -1,0 +1,115 @@
+#include "tools/vdsto/import/photo_writer.h"
+
+#include "tools/vdsto/import/photo_record.h"
+#include "tools/vdsto/text/source_location.h"
+#include "tools/vdsto/tool_error.h"
+
+namespace vdsto {
+namespace {
+
+constexpr int kBatchRows = 256;
+constexpr std::chrono::milliseconds kBatchAge{500};
+
+}  // namespace
+
+PhotoWriter::PhotoWriter(Library& library, ImageStore& images, FolderMirror& mirror,
+                         ImportSummary& summary)
+    : library_(library), images_(images), mirror_(mirror), summary_(summary) {}
+
+void PhotoWriter::Write(const ImportJob& job, const PictureFacts& facts) {
+  if (!facts.IsPicture()) {
+    ++summary_.not_pictures;
+    return;
+  }
+  Remember(job, facts);
+  job.known_guid.empty() ? Add(job, facts) : Update(job, facts);
+}
+
+void PhotoWriter::Remember(const ImportJob& job, const PictureFacts& facts) {
+  if (facts.state == PictureState::kBroken) summary_.broken.push_back({job.path, facts.problem});
+  if (facts.state == PictureState::kDamaged) summary_.damaged.push_back({job.path, facts.problem});
+  if (LocationOf(job.path).empty())
+    summary_.long_paths.push_back({job.path, "found again by folder and name"});
+}
+
+void PhotoWriter::Add(const ImportJob& job, const PictureFacts& facts) {
+  const FolderId folder = mirror_.Ensure(ParentOf(job.path), job.import_root);
+  const int32_t now = library_.Call([](auto& catalogue) { return catalogue.GetTime(); });
+  const PHOTOINFO photo = NewPhotoRecord(job.path, facts, folder, now);
+  StoreImage(photo, facts);
+  if (batch_.IsEmpty()) flush_time_ = Clock::now() + kBatchAge;
+  batch_.Add(photo);
+  batch_paths_.push_back(job.path);
+  if (batch_.GetSize() >= kBatchRows) Flush();
+}
+
+void PhotoWriter::Update(const ImportJob& job, const PictureFacts& facts) {
+  PHOTOINFO photo;
+  const bool is_there = library_.Call(
+      [&](auto& catalogue) { return catalogue.GetPhotoInfo(job.known_guid.c_str(), photo); });
+  if (!is_there) return Add(job, facts);
+  const std::string old_key = ImageKeyOf(photo.GetLTBURL());
+  RefreshPhotoRecord(facts, photo);
+  StoreImage(photo, facts);
+  if (!Store(photo, job.path, false)) return;
+  ++summary_.updated;
+  if (!old_key.empty() && old_key != ImageKeyOf(photo.GetLTBURL())) images_.Remove(old_key);
+}
+
+/// When the store fails, the rows that wait for their batch have their images already.
+void PhotoWriter::StoreImage(const PHOTOINFO& photo, const PictureFacts& facts) {
+  if (facts.thumbnail.empty()) return;
+  try {
+    images_.Put(ImageKeyOf(photo.GetLTBURL()), facts.thumbnail);
+  } catch (const ToolError&) {
+    Flush();
+    throw;
+  }
+}
+
+void PhotoWriter::Flush() {
+  flush_time_ = Clock::time_point::max();
+  if (batch_.IsEmpty()) return;
+  if (StoreBatch()) {
+    summary_.added += batch_paths_.size();
+  } else {
+    WriteOneByOne();
+  }
+  batch_.RemoveAll();
+  batch_paths_.clear();
+}
+
+bool PhotoWriter::StoreBatch() {
+  try {
+    return library_.Call([&](auto& catalogue) { return catalogue.AddPhotoInfo(batch_); });
+  } catch (const ToolError&) {
+    return false;
+  }
+}
+
+/// The batch stopped at some row: those before it are in, those after it were not tried.
+void PhotoWriter::WriteOneByOne() {
+  for (int i = 0; i < batch_.GetSize(); ++i) {
+    if (Store(batch_[i], batch_paths_[static_cast<size_t>(i)], true)) {
+      ++summary_.added;
+    } else if (const std::string key = ImageKeyOf(batch_[i].GetLTBURL()); !key.empty()) {
+      images_.Remove(key);
+    }
+  }
+}
+
+/// A row that the catalogue refuses is the row's trouble as long as the catalogue takes others; a
+/// full disk and the like end the import.
+bool PhotoWriter::Store(const PHOTOINFO& photo, const std::string& path, bool is_new) {
+  try {
+    return library_.Call([&](auto& catalogue) {
+      return is_new ? catalogue.AddPhotoInfo(photo, true) : catalogue.SetPhotoInfo(photo, false);
+    });
+  } catch (const ToolError& error) {
+    if (!error.ConcernsValue()) throw;
+    summary_.not_stored.push_back({path, error.what()});
+    return false;
+  }
+}
+
+}  // namespace vdsto

@@ -1,0 +1,55 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tools/vdsto/import/import_summary.h"
+#include "tools/vdsto/picture/source_file.h"
+
+namespace vdsto {
+
+struct SourceEntry {
+  std::string path;
+  FileStamp stamp;
+};
+
+/// Walks real folders depth first, names in byte order, each folder once. Files behind links count;
+/// a link to a folder is followed unless it leads into or above the tree that is walked. Names that
+/// begin with a dot are passed over.
+class SourceWalk {
+ public:
+  /// Called for every folder with its regular files; false ends the walk.
+  using Visit = std::function<bool(const std::string& root, const std::string& folder,
+                                   const std::vector<SourceEntry>& files)>;
+
+  explicit SourceWalk(Visit visit) : visit_(std::move(visit)) {}
+
+  /// Walks below `root`, an absolute path without links, but not again what an earlier call
+  /// walked. False when `visit` ended the walk.
+  bool Walk(const std::string& root);
+
+  uint64_t Hidden() const { return hidden_; }
+  const std::vector<Remark>& Unreadable() const { return unreadable_; }
+
+ private:
+  struct Listing {
+    std::vector<SourceEntry> files;
+    std::vector<std::string> folders;
+  };
+
+  bool Enter(const std::string& folder);
+  Listing List(const std::string& folder);
+  void Sort(const std::string& path, Listing& listing);
+  bool LeadsBack(const std::string& link) const;
+
+  Visit visit_;
+  std::string root_;
+  std::set<std::pair<uint64_t, uint64_t>> entered_;  // device and inode
+  uint64_t hidden_ = 0;
+  std::vector<Remark> unreadable_;
+};
+
+}  // namespace vdsto

@@ -1,0 +1,170 @@
+#include "tools/vdsto/library/image_store.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <filesystem>
+#include <system_error>
+#include <thread>
+
+#include "tools/vdsto/text/source_location.h"
+#include "tools/vdsto/text/text.h"
+#include "tools/vdsto/tool_error.h"
+
+namespace vdsto {
+namespace {
+
+constexpr const char* kStoreName = "images.pdb";
+constexpr const char* kUnfinishedName = "images.new";
+constexpr const char* kThumbnailSuffix = ".400.jpg";
+constexpr std::string_view kScheme = "store:";
+constexpr size_t kKeyLength = 44;
+constexpr DWORD kStorageId = 1;
+constexpr std::chrono::seconds kPatience{3};
+constexpr std::chrono::milliseconds kPause{50};
+
+bool Exists(const std::string& path) {
+  std::error_code error;
+  const bool exists = std::filesystem::exists(path, error);
+  if (error) throw ToolError(ExitCode::kCannotOpen, path + ": " + error.message());
+  return exists;
+}
+
+/// Has somebody the file open as its only writer?
+bool IsInUse(const std::string& path) {
+  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) return false;
+  const bool in_use = flock(descriptor, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  close(descriptor);
+  return in_use;
+}
+
+std::string WhyNotOpened(const std::string& path) {
+  if (IsInUse(path)) return "is in use by another process, perhaps an import";
+  if (access(path.c_str(), R_OK | W_OK) != 0)
+    return "cannot be opened: " + std::generic_category().message(errno);
+  return "cannot be opened: run vdsto store verify, then vdsto store repair";
+}
+
+void Rename(const std::string& from, const std::string& to) {
+  std::error_code error;
+  std::filesystem::rename(from, to, error);
+  if (error) throw ToolError(ExitCode::kCannotOpen, Printable(to) + ": " + error.message());
+}
+
+/// Without its data file there may still be the pieces of a compaction that was killed.
+bool HasPieces(const std::string& path) {
+  return Exists(path + ".bak") || Exists(path + ".compacting.pdb");
+}
+
+}  // namespace
+
+std::string ImageStorePath(const std::string& library_folder) {
+  return Joined(library_folder, kStoreName);
+}
+
+std::string ImageIndexPath(const std::string& path) {
+  return path.substr(0, path.rfind('.')) + ".pdx";
+}
+
+bool IsImageStoreThere(const std::string& library_folder) {
+  const std::string path = ImageStorePath(library_folder);
+  return Exists(path) || HasPieces(path);
+}
+
+uint64_t ImageStoreBytes(const std::string& library_folder) {
+  uint64_t sum = 0;
+  const std::string path = ImageStorePath(library_folder);
+  for (const std::string& file : {path, ImageIndexPath(path)}) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(file, error);
+    if (!error) sum += size;
+  }
+  return sum;
+}
+
+std::string ThumbnailKey(const std::string& guid) {
+  return guid + kThumbnailSuffix;
+}
+
+std::string ImageLocation(const std::string& key) {
+  return std::string(kScheme) + key;
+}
+
+std::string ImageKeyOf(const std::string& location) {
+  const bool is_image =
+      location.starts_with(kScheme) && location.size() == kScheme.size() + kKeyLength;
+  return is_image ? location.substr(kScheme.size()) : std::string();
+}
+
+void OpenPatiently(const std::string& path, const std::function<bool()>& open) {
+  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  while (!open()) {
+    if (!IsInUse(path) || std::chrono::steady_clock::now() > deadline) {
+      throw ToolError(ExitCode::kCannotOpen, Printable(path) + " " + WhyNotOpened(path));
+    }
+    std::this_thread::sleep_for(kPause);
+  }
+}
+
+bool ImageStore::Open() {
+  if (!Exists(path_)) {
+    if (!HasPieces(path_)) return false;
+    throw ToolError(
+        ExitCode::kCannotOpen,
+        Printable(path_) + " is missing, but a compaction left its pieces: run vdsto store repair");
+  }
+  CRkPhotoImageStorage opened;
+  OpenPatiently(path_, [&] {
+    if (opened.OpenFile(path_.c_str())) return true;
+    opened = CRkPhotoImageStorage();  // which closes what the failure left open
+    return false;
+  });
+  const std::lock_guard lock(mutex_);
+  storage_ = opened;
+  return is_open_ = true;
+}
+
+/// Both files get their names when they are whole, the one that makes it a store last.
+void ImageStore::Create() const {
+  const std::string unfinished = Joined(ParentOf(path_), kUnfinishedName);
+  if (!CRkPhotoImageStorage().CreateFileA((unfinished + ".pdb").c_str(), kStorageId)) {
+    throw ToolError(ExitCode::kCannotOpen, Printable(path_) + " cannot be created");
+  }
+  Rename(unfinished + ".pdx", ImageIndexPath(path_));
+  Rename(unfinished + ".pdb", path_);
+}
+
+bool ImageStore::Has(const std::string& key) {
+  const std::lock_guard lock(mutex_);
+  return storage_.IsImage(key.c_str());
+}
+
+void ImageStore::Put(const std::string& key, std::span<const uint8_t> image) {
+  if (!is_open_ && !Open()) Create(), Open();
+  if (!storage_.SetImage(key.c_str(), image.data(), static_cast<int>(image.size()))) {
+    throw ToolError(ExitCode::kCatalogue,
+                    Printable(path_) + " takes no more images: is the disk full?");
+  }
+  has_news_ = true;
+}
+
+void ImageStore::Remove(const std::string& key) {
+  if (is_open_) storage_.DelImage(key.c_str());
+}
+
+bool ImageStore::Get(const std::string& key, CBinData& image) {
+  return storage_.GetImage(key.c_str(), image);
+}
+
+void ImageStore::Sync() {
+  if (has_news_ && !vdstomgr::SyncStorage(storage_)) {
+    throw ToolError(ExitCode::kCatalogue, Printable(path_) + " could not be brought to the device");
+  }
+  has_news_ = false;
+}
+
+}  // namespace vdsto

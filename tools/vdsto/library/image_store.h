@@ -1,0 +1,63 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <span>
+#include <string>
+
+#include "vdstomgr/vdstomgr.h"
+
+namespace vdsto {
+
+/// The data file of a library folder's image store.
+std::string ImageStorePath(const std::string& library_folder);
+/// The index file beside a data file.
+std::string ImageIndexPath(const std::string& path);
+/// True also when there are only the pieces that a killed compaction leaves.
+bool IsImageStoreThere(const std::string& library_folder);
+/// What both files take on the disk; 0 without a store.
+uint64_t ImageStoreBytes(const std::string& library_folder);
+
+/// The key of a photo's thumbnail: its GUID and the thumbnail's size and form, so that other sizes
+/// can stand beside it.
+std::string ThumbnailKey(const std::string& guid);
+/// How a photo's row names an image of the store: "store:" and its key.
+std::string ImageLocation(const std::string& key);
+/// The inverse of ImageLocation; empty for a text that names no image of the store.
+std::string ImageKeyOf(const std::string& location);
+
+/// Calls `open`, which must leave nothing open when it fails, and waits a little while another
+/// process has the store at `path`. Throws ToolError, which says why, when that does not help.
+void OpenPatiently(const std::string& path, const std::function<bool()>& open);
+
+/// The thumbnails of a library. The store has one user at a time, which is this object from Open
+/// or the first Put until its end. One thread calls it; others may ask Has meanwhile.
+class ImageStore {
+ public:
+  explicit ImageStore(const std::string& library_folder) : path_(ImageStorePath(library_folder)) {}
+  ImageStore(const ImageStore&) = delete;
+  ImageStore& operator=(const ImageStore&) = delete;
+
+  /// False when the library has no store yet. Throws ToolError when it cannot be opened.
+  bool Open();
+  bool Has(const std::string& key);
+  /// Stores or replaces an image; makes the store when there is none. Throws ToolError; an older
+  /// image is still there then.
+  void Put(const std::string& key, std::span<const uint8_t> image);
+  void Remove(const std::string& key);
+  /// False when there is no such image.
+  bool Get(const std::string& key, CBinData& image);
+  /// Returns when the device holds what was put. Throws ToolError when it does not.
+  void Sync();
+
+ private:
+  void Create() const;
+
+  std::string path_;
+  bool is_open_ = false;
+  bool has_news_ = false;
+  std::mutex mutex_;              // guards the exchange of what follows
+  CRkPhotoImageStorage storage_;  // closes itself
+};
+
+}  // namespace vdsto

@@ -1,0 +1,132 @@
+#include "tools/vdsto/library/library.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include "tools/vdsto/library/import_lock.h"
+#include "tools/vdsto/text/source_location.h"
+#include "tools/vdsto/tool_error.h"
+
+namespace vdsto {
+namespace {
+
+constexpr const char* kCatalogueName = "catalogue.vdb";
+constexpr const char* kUnfinishedName = "catalogue.vdb.new";
+constexpr int kWrongPassword = 3031;
+/// Null keys and fields, too long texts, too large numbers, texts that are no numbers.
+constexpr std::array kValueErrors{3058, 3163, 3314, 3349, 3421};
+
+struct ReportedError {
+  int code;
+  std::string message;
+};
+
+/// The catalogue reports on the calling thread; the first report of a call says most.
+thread_local std::optional<ReportedError> reported;
+
+void Report(int code, std::string message) {
+  if (reported) return;
+  std::replace_if(
+      message.begin(), message.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+  reported = ReportedError{code, std::move(message)};
+}
+
+[[noreturn]] void ThrowReported(ExitCode otherwise, const std::string& fallback) {
+  const ReportedError error = reported.value_or(ReportedError{0, fallback});
+  reported.reset();
+  const bool concerns_value =
+      std::find(kValueErrors.begin(), kValueErrors.end(), error.code) != kValueErrors.end();
+  throw ToolError(error.code == kWrongPassword ? ExitCode::kWrongPassword : otherwise,
+                  error.message, concerns_value);
+}
+
+/// Gives a finished file its name unless that name exists, in one step.
+void PublishFile(const std::string& from, const std::string& to) {
+  const bool linked = link(from.c_str(), to.c_str()) == 0;
+  if (!linked && errno != EEXIST && rename(from.c_str(), to.c_str()) != 0) {
+    throw ToolError(ExitCode::kCannotOpen, to + ": " + std::generic_category().message(errno));
+  }
+  unlink(from.c_str());
+}
+
+void CreateCatalogue(const std::string& folder, const std::string& password) {
+  const std::string unfinished = Joined(folder, kUnfinishedName);
+  CRkPhotoDBManager creator;
+  reported.reset();
+  if (!creator.CreateDB(unfinished.c_str(), password.c_str())) {
+    ThrowReported(ExitCode::kCannotOpen, "cannot create a catalogue in " + folder);
+  }
+  PublishFile(unfinished, Joined(folder, kCatalogueName));
+}
+
+bool Exists(const std::string& path) {
+  std::error_code error;
+  const bool exists = std::filesystem::exists(path, error);
+  if (error) throw ToolError(ExitCode::kCannotOpen, path + ": " + error.message());
+  return exists;
+}
+
+}  // namespace
+
+std::string DefaultLibraryFolder() {
+  const auto variable = [](const char* name) {
+    return std::string(std::getenv(name) ? std::getenv(name) : "");
+  };
+  if (const auto folder = variable("VDSTO_LIBRARY"); !folder.empty()) return folder;
+  if (const auto data = variable("XDG_DATA_HOME"); !data.empty()) return Joined(data, "vdsto");
+  if (const auto home = variable("HOME"); !home.empty()) return Joined(home, ".local/share/vdsto");
+  throw ToolError(ExitCode::kUsage, "no library folder: give --library or set VDSTO_LIBRARY");
+}
+
+Library::Library(const LibraryOptions& options)
+    : folder_(options.folder), path_(Joined(options.folder, kCatalogueName)) {
+  if (!Exists(path_)) {
+    throw ToolError(ExitCode::kCannotOpen,
+                    "no catalogue in " + options.folder + " yet: run vdsto import first");
+  }
+  Open(options.password);
+}
+
+Library::Library(const LibraryOptions& options, const ImportLock&)
+    : folder_(options.folder), path_(Joined(options.folder, kCatalogueName)) {
+  if (!Exists(path_)) CreateCatalogue(options.folder, options.password);
+  Open(options.password);
+}
+
+Library::~Library() {
+  catalogue_.CloseDB();
+}
+
+void Library::Open(const std::string& password) {
+  reported.reset();
+  if (!catalogue_.OpenDB(path_.c_str(), password.c_str())) {
+    ThrowReported(ExitCode::kCannotOpen, path_ + " cannot be opened");
+  }
+  const bool is_current = catalogue_.CheckPhotoMasterDBVersion();
+  if (reported) ThrowReported(ExitCode::kCannotOpen, {});
+  if (!is_current)
+    throw ToolError(ExitCode::kCannotOpen, path_ + " is no catalogue of this version");
+}
+
+void Library::ForgetError() {
+  reported.reset();
+}
+
+void Library::ThrowError() {
+  if (reported) ThrowReported(ExitCode::kCatalogue, {});
+}
+
+void InitialiseCatalogueLibrary() {
+  vdstomgr::SetTextCodePage(vdstomgr::TextCodePage::utf8);
+  vdstomgr::SetDatabaseErrorHandler([](int code, const char* message) { Report(code, message); });
+  vdstomgr::SetMessageBoxHandler([](const char* text) { Report(0, text); });
+}
+
+}  // namespace vdsto

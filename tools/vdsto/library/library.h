@@ -1,0 +1,61 @@
+#pragma once
+#include <string>
+#include <utility>
+
+#include "vdstomgr/vdstomgr.h"
+
+namespace vdsto {
+
+class ImportLock;
+
+/// Which library a command works on, and how it gets in.
+struct LibraryOptions {
+  std::string folder;
+  std::string password;  ///< empty: the catalogue has none
+};
+
+/// $VDSTO_LIBRARY, else a folder under the user's data directory. Throws ToolError when there is no
+/// home either.
+std::string DefaultLibraryFolder();
+
+/// An open catalogue. Reports of the database reach the caller as ToolError, one per failed call.
+class Library {
+ public:
+  /// Opens the catalogue of a library folder. Throws ToolError: a missing one, a wrong password, a
+  /// damaged file.
+  explicit Library(const LibraryOptions& options);
+  /// The same, but makes folder and catalogue when they are not there. A catalogue appears whole or
+  /// not at all.
+  Library(const LibraryOptions& options, const ImportLock& lock);
+  ~Library();
+  Library(const Library&) = delete;
+  Library& operator=(const Library&) = delete;
+
+  /// Runs `operation(catalogue)`; throws ToolError when the catalogue reported an error meanwhile.
+  /// Any thread.
+  template <typename Operation>
+  auto Call(Operation operation) {
+    ForgetError();
+    auto result = operation(catalogue_);
+    ThrowError();
+    return result;
+  }
+
+  const std::string& CataloguePath() const { return path_; }
+  const std::string& Folder() const { return folder_; }
+
+ private:
+  void Open(const std::string& password);
+  static void ForgetError();
+  static void ThrowError();
+
+  std::string folder_;
+  std::string path_;
+  CRkPhotoDBManager catalogue_;
+};
+
+/// Sets the library up for this process: text as UTF-8, errors to whoever called. Before the first
+/// Library.
+void InitialiseCatalogueLibrary();
+
+}  // namespace vdsto

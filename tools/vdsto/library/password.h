@@ -1,0 +1,16 @@
+#pragma once
+#include <string>
+
+namespace vdsto {
+
+/// Where a password comes from. Never from the arguments, which every user of the machine can read.
+struct PasswordSource {
+  bool prompt = false;
+  std::string file;
+};
+
+/// Asks on the terminal, reads the first line of the file, or takes $VDSTO_PASSWORD; empty when
+/// there is none of them. Throws ToolError when there is no terminal or no such file.
+std::string ReadPassword(const PasswordSource& source);
+
+}  // namespace vdsto

@@ -1,0 +1,34 @@
+#pragma once
+#include <stdexcept>
+#include <string>
+
+namespace vdsto {
+
+/// What the process answers; listed for users in `vdsto --help`.
+enum class ExitCode {
+  kOk = 0,
+  kUnexpected = 1,
+  kUsage = 2,
+  kCannotOpen = 3,  ///< the library, its catalogue or its image store cannot be opened
+  kWrongPassword = 4,
+  kCatalogue = 5,  ///< reading or writing the open catalogue or image store failed
+  kNotFound = 6,   ///< what was asked for is not there
+  kDamaged = 7,    ///< the image store has faults
+  kInterrupted = 130,
+};
+
+/// Ends a command with one line for the user and an exit code.
+class ToolError : public std::runtime_error {
+ public:
+  ToolError(ExitCode code, const std::string& message, bool concerns_value = false)
+      : std::runtime_error(message), code_(code), concerns_value_(concerns_value) {}
+  ExitCode Code() const { return code_; }
+  /// True when the catalogue refused a value and is otherwise in order.
+  bool ConcernsValue() const { return concerns_value_; }
+
+ private:
+  ExitCode code_;
+  bool concerns_value_;
+};
+
+}  // namespace vdsto

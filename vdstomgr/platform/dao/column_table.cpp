@@ -1,0 +1,41 @@
+#include "vdstomgr/platform/dao/column_table.h"
+
+#include <algorithm>
+
+#include "vdstomgr/platform/dao/dao_error.h"
+
+namespace vdstomgr::dao {
+namespace {
+
+char Lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+}  // namespace
+
+bool SameName(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return Lower(x) == Lower(y); });
+}
+
+int ColumnTable::Find(std::string_view name) const {
+  const auto is_named = [&](const ColumnSchema& column) { return SameName(column.name, name); };
+  const auto found = std::find_if(columns_.begin(), columns_.end(), is_named);
+  if (found == columns_.end() || std::any_of(found + 1, columns_.end(), is_named)) {
+    Throw(Error::ItemNotFound, name);
+  }
+  return static_cast<int>(found - columns_.begin());
+}
+
+const std::vector<int>& ColumnTable::Positions(const void* key,
+                                               std::span<const char* const> names) const {
+  for (const auto& [known_key, positions] : known_lists_) {
+    if (known_key == key) return positions;
+  }
+  std::vector<int> positions;
+  positions.reserve(names.size());
+  for (const char* name : names) positions.push_back(Find(name));
+  return known_lists_.emplace_back(key, std::move(positions)).second;
+}
+
+}  // namespace vdstomgr::dao

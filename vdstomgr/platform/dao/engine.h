@@ -1,0 +1,92 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vdstomgr/platform/dao/column_table.h"
+#include "vdstomgr/platform/dao/value.h"
+
+/// What the DAO classes ask of a database engine. All text is UTF-8; every failure is a
+/// CDaoException. A connection and its queries belong to one caller at a time (the catalogue's
+/// lock).
+namespace vdstomgr::dao {
+
+/// A row being composed: one value per column of the query and which of them were set.
+struct RowDraft {
+  std::vector<Value> values;
+  std::vector<bool> is_set;
+
+  void Start(int columns);
+  Value& Set(int column) {
+    is_set[static_cast<size_t>(column)] = true;
+    return values[static_cast<size_t>(column)];
+  }
+};
+
+/// The rows of one open query, walked forward.
+///
+/// Rows are read when they are asked for. A write through the same connection while rows are still
+/// to come keeps the walk what it was: the remaining rows are noted by their keys first, so that no
+/// written row reappears or moves, and each is read afresh when the walk reaches it.
+class Query {
+ public:
+  virtual ~Query() = default;
+
+  virtual const ColumnTable& Columns() const = 0;
+
+  /// Is the walk past its last row? The first call reads the first row.
+  virtual bool AtEnd() = 0;
+  /// Goes to the next row. Throws NoCurrentRecord at the end.
+  virtual void MoveNext() = 0;
+  /// Runs the query again; the walk is before its first row as after opening.
+  virtual void Restart() = 0;
+
+  /// A column of the current row. Throws NoCurrentRecord at the end, RecordDeleted when the row was
+  /// deleted after the query had noted it.
+  virtual Field Get(int column) = 0;
+
+  /// Can rows be added, changed and deleted through this query?
+  virtual bool IsUpdatable() const = 0;
+  /// Adds a row of the set columns, the others null. It goes to the end of the walk.
+  virtual void Insert(const RowDraft& row) = 0;
+  /// Changes the set columns of the current row, which stays current.
+  virtual void Update(const RowDraft& row) = 0;
+  /// Deletes the current row; reading it then throws RecordDeleted.
+  virtual void Delete() = 0;
+};
+
+/// One open database file.
+class Connection : public SchemaView {
+ public:
+  /// Runs an action statement and returns the number of rows it changed. With `skip_failing_rows`
+  /// rows that break a key or do not fit are left out; without it the first one throws and nothing
+  /// of the statement remains.
+  virtual int Execute(std::string_view sql, bool skip_failing_rows) = 0;
+
+  /// Opens the rows of a SELECT. The query must be gone before the connection is closed.
+  virtual std::unique_ptr<Query> Open(std::string_view sql) = 0;
+
+  /// Between BeginGroup and the EndGroup that matches it, writes are committed together (very long
+  /// groups in several commits). Groups nest. EndGroup of the outermost commits; it throws when
+  /// what the group wrote could not be kept. There is no rollback.
+  virtual void BeginGroup() = 0;
+  virtual void EndGroup() = 0;
+
+  /// Encrypts the file anew; an empty password leaves it plain.
+  virtual void SetPassword(std::string_view password) = 0;
+};
+
+/// Opens an existing database file for reading and writing.
+/// Throws FileNotFound, InvalidPassword, NotADatabase, FileDamaged, FileNotAccessible, DiskFull...
+std::unique_ptr<Connection> OpenDatabase(const std::string& path, std::string_view password);
+
+/// Makes a new, empty database file without a password. Throws DatabaseExists, InvalidPath...
+std::unique_ptr<Connection> CreateDatabase(const std::string& path);
+
+/// Deletes a database file with its companions. Returns false when the file is still there: because
+/// the system refuses, or because it is open as a database, in this process or another.
+bool DeleteDatabase(const std::string& path);
+
+}  // namespace vdstomgr::dao

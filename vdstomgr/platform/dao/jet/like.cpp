@@ -1,0 +1,123 @@
+#include "vdstomgr/platform/dao/jet/like.h"
+
+#include <algorithm>
+
+#include "vdstomgr/platform/dao/dao_error.h"
+#include "vdstomgr/platform/text/case_folding.h"
+#include "vdstomgr/platform/text/utf8.h"
+
+namespace vdstomgr::jet {
+namespace {
+
+constexpr char32_t kFirstInvalid = 0x110000;
+
+// Takes the character at `at`, folded. A byte that is no character is one of its own.
+char32_t TakeFolded(std::string_view text, size_t& at) {
+  const auto byte = static_cast<unsigned char>(text[at]);
+  if (byte < 0x80) {
+    ++at;
+    return byte >= 'A' && byte <= 'Z' ? byte + 0x20u : byte;
+  }
+  const DecodedCharacter character = DecodeUtf8(text.substr(at));
+  at += character.bytes;
+  return character.code == kInvalidCharacter ? kFirstInvalid + byte : FoldCase(character.code);
+}
+
+}  // namespace
+
+LikePattern::LikePattern(std::string_view pattern) {
+  using Kind = Element::Kind;
+  elements_.reserve(pattern.size());
+  for (size_t at = 0; at < pattern.size();) {
+    const char first = pattern[at];
+    if (first == '[') {
+      const size_t closing = pattern.find(']', at);
+      if (closing == std::string_view::npos) dao::Throw(dao::Error::InvalidPattern);
+      AddList(pattern.substr(at + 1, closing - at - 1));
+      at = closing + 1;
+      continue;
+    }
+    const char32_t folded = TakeFolded(pattern, at);
+    if (first == '*') {
+      const bool repeated = !elements_.empty() && elements_.back().kind == Kind::AnyText;
+      if (!repeated) elements_.push_back({Kind::AnyText});
+    } else if (first == '?') {
+      elements_.push_back({Kind::AnyCharacter});
+    } else if (first == '#') {
+      elements_.push_back({Kind::Digit});
+    } else {
+      elements_.push_back({Kind::Character, folded});
+    }
+  }
+}
+
+// An empty list matches nothing but the empty text between two characters, so it adds no element;
+// "!" alone in a list is itself.
+void LikePattern::AddList(std::string_view list) {
+  if (list.empty()) return;
+  const bool negated = list.size() > 1 && list.front() == '!';
+  Element element{negated ? Element::Kind::NotIn : Element::Kind::In};
+  for (size_t at = negated ? 1 : 0; at < list.size();) {
+    const char32_t first = TakeFolded(list, at);
+    char32_t last = first;
+    if (at + 1 < list.size() && list[at] == '-') {
+      ++at;
+      last = TakeFolded(list, at);
+      if (last < first) dao::Throw(dao::Error::InvalidPattern);
+    }
+    element.ranges.push_back({first, last});
+  }
+  elements_.push_back(std::move(element));
+}
+
+bool LikePattern::MatchesOne(const Element& element, char32_t folded) {
+  const auto holds = [&](const Range& r) { return folded >= r.first && folded <= r.last; };
+  switch (element.kind) {
+    case Element::Kind::Character:
+      return folded == element.character;
+    case Element::Kind::Digit:
+      return folded >= U'0' && folded <= U'9';
+    case Element::Kind::In:
+      return std::any_of(element.ranges.begin(), element.ranges.end(), holds);
+    case Element::Kind::NotIn:
+      return std::none_of(element.ranges.begin(), element.ranges.end(), holds);
+    default:
+      return true;
+  }
+}
+
+// On a mismatch only the last '*' has to take one character more: what an earlier one could take in
+// addition, the last can take as well.
+bool LikePattern::Matches(std::string_view text) const {
+  const size_t count = elements_.size();
+  size_t element = 0;
+  size_t behind_star = 0;  // the element behind the last '*'; 0 when there was none
+  size_t star_end = 0;     // where the text behind that '*' is tried to begin
+  for (size_t at = 0; at < text.size();) {
+    if (element < count && elements_[element].kind == Element::Kind::AnyText) {
+      behind_star = ++element;
+      star_end = at;
+    }
+    if (behind_star == count && count > 0) return true;
+    size_t next = at;
+    const char32_t folded = TakeFolded(text, next);
+    if (element < count && MatchesOne(elements_[element], folded)) {
+      ++element;
+      at = next;
+    } else if (behind_star > 0) {
+      if (element == behind_star) {
+        star_end = next;
+      } else {
+        TakeFolded(text, star_end);
+      }
+      at = star_end;
+      element = behind_star;
+    } else {
+      return false;
+    }
+  }
+  if (element < count && elements_[element].kind == Element::Kind::AnyText) ++element;
+  return element == count;
+}
+
+}  // namespace vdstomgr::jet

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "vdstomgr/platform/dao/engine.h"
+#include "vdstomgr/platform/dao/jet/shape.h"
+#include "vdstomgr/platform/dao/sqlite/schema_cache.h"
+#include "vdstomgr/platform/dao/sqlite/statement_cache.h"
+
+struct sqlite3;
+
+namespace vdstomgr::sqlite {
+
+class Query;
+class TableWriter;
+
+struct DatabaseCloser {
+  void operator()(sqlite3* db) const;
+};
+using DatabaseHandle = std::unique_ptr<sqlite3, DatabaseCloser>;
+
+/// One open SQLite file: statements by shape, the commit group, the queries that are being walked.
+class Connection final : public dao::Connection {
+ public:
+  /// Takes over an engine handle that is open, keyed and proved readable.
+  Connection(DatabaseHandle db, std::string path);
+  ~Connection() override;
+
+  int Execute(std::string_view sql, bool skip_failing_rows) override;
+  std::unique_ptr<dao::Query> Open(std::string_view sql) override;
+  void BeginGroup() override { ++group_depth_; }
+  void EndGroup() override;
+  void SetPassword(std::string_view password) override;
+  const dao::TableSchema* FindTable(std::string_view name) const override {
+    return schema_.Find(name);
+  }
+
+  sqlite3* Handle() const { return db_.get(); }
+
+  /// A statement of the given text in the dialect, its literals bound.
+  std::unique_ptr<Statement> Prepare(std::string_view sql, bool skip_failing_rows);
+
+  /// A statement of SQL in the engine's own dialect that this library composed, cached by its text.
+  std::unique_ptr<Statement> PrepareOwn(const std::string& sql);
+
+  /// Compiles SQL in the engine's own dialect.
+  StatementHandle PrepareSql(const std::string& sql);
+
+  /// The writer of a table's rows.
+  TableWriter& Writer(const std::string& table);
+
+  /// Runs one writing step between what a write needs before it (open queries note their remaining
+  /// rows, the group's transaction is begun) and after it (a very long group is committed).
+  /// Returns the number of rows changed.
+  int Write(sqlite3_stmt* statement);
+
+  /// Open queries; they are told before anything is written and when the connection closes.
+  void Enlist(Query* query) { queries_.push_back(query); }
+  void Delist(Query* query) { std::erase(queries_, query); }
+
+ private:
+  std::unique_ptr<Statement> Compile(std::string_view key, std::span<const jet::Literal> literals,
+                                     bool skip_failing_rows);
+  StatementHandle PrepareTree(const jet::Statement& tree, PrintOptions options, Printed& printed);
+  std::shared_ptr<const Plan> MakePlan(sqlite3_stmt* statement, const Printed& printed) const;
+  void DescribeRows(Plan& plan) const;
+  void Run(const char* sql);
+  void Begin();
+  void Commit();
+  void SchemaChanged();
+
+  std::string path_;
+  DatabaseHandle db_;
+  SchemaCache schema_;
+  StatementCache statements_;
+  jet::Shape shape_;
+  std::string key_;  // the shape's key with the way of running in front; kept for its memory
+  std::unordered_map<std::string, std::unique_ptr<TableWriter>> writers_;
+  std::vector<Query*> queries_;
+  StatementHandle begin_;
+  StatementHandle commit_;
+  int group_depth_ = 0;
+  int writes_in_transaction_ = 0;
+};
+
+}  // namespace vdstomgr::sqlite

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string_view>
+
+#include "vdstomgr/platform/dao/dao_error.h"
+
+struct sqlite3;
+
+namespace vdstomgr::sqlite {
+
+/// Turns the engine's last failure on `db` into a CDaoException with the dialect's number.
+/// `code` is the (extended) result of the call that failed; `subject` names the file or statement.
+[[noreturn]] void ThrowEngineError(sqlite3* db, int code, std::string_view subject);
+
+/// Throws unless `code` is SQLITE_OK.
+void Check(sqlite3* db, int code, std::string_view subject);
+
+}  // namespace vdstomgr::sqlite

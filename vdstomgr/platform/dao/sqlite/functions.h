@@ -1,0 +1,11 @@
+#pragma once
+
+struct sqlite3;
+
+namespace vdstomgr::sqlite {
+
+/// Installs what the printed statements rely on: the text order, LIKE with the dialect's wildcards,
+/// and the jet_* functions (arithmetic, conversion on assignment, scalar sub-queries).
+void InstallFunctions(sqlite3* db);
+
+}  // namespace vdstomgr::sqlite

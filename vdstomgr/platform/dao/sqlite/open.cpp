@@ -1,0 +1,208 @@
+#include <sqlite3.h>
+
+#include <array>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "vdstomgr/platform/dao/dao_exception.h"
+#include "vdstomgr/platform/dao/engine.h"
+#include "vdstomgr/platform/dao/sqlite/connection.h"
+#include "vdstomgr/platform/dao/sqlite/errors.h"
+#include "vdstomgr/platform/dao/sqlite/functions.h"
+
+namespace vdstomgr::sqlite {
+namespace {
+
+namespace fs = std::filesystem;
+using dao::Error;
+
+constexpr int kBusyTimeoutMs = 15'000;
+constexpr size_t kHeaderSize = 100;
+constexpr std::array kCompanions = {"-wal", "-shm", "-journal"};
+
+enum class FileForm { Plain, Encrypted };
+
+fs::path PathOf(const std::string& utf8) {
+  return fs::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+void RequireFolder(const std::string& path) {
+  const fs::path folder = PathOf(path).parent_path();
+  std::error_code error;
+  if (!folder.empty() && !fs::is_directory(folder, error)) Throw(Error::InvalidPath, path);
+}
+
+void RequireFile(const std::string& path) {
+  RequireFolder(path);
+  std::error_code error;
+  const fs::file_status status = fs::status(PathOf(path), error);
+  if (status.type() == fs::file_type::not_found) Throw(Error::FileNotFound, path);
+  if (error) Throw(Error::FileNotAccessible, path);
+  if (!fs::is_regular_file(status)) Throw(Error::NotADatabase, path);
+}
+
+// The engine's own handle of the open file. Nothing else may open and close a file that could be
+// open in this process: that would drop the engine's locks on it.
+sqlite3_file* FileOf(sqlite3* db, const std::string& path) {
+  sqlite3_file* file = nullptr;
+  Check(db, sqlite3_file_control(db, "main", SQLITE_FCNTL_FILE_POINTER, &file), path);
+  return file;
+}
+
+std::string ReadHeader(sqlite3* db, const std::string& path) {
+  sqlite3_file* file = FileOf(db, path);
+  sqlite3_int64 size = 0;
+  Check(db, file->pMethods->xFileSize(file, &size), path);
+  if (size < static_cast<sqlite3_int64>(kHeaderSize)) Throw(Error::NotADatabase, path);
+  std::string header(kHeaderSize, '\0');
+  Check(db, file->pMethods->xRead(file, header.data(), static_cast<int>(kHeaderSize), 0), path);
+  return header;
+}
+
+// The engine answers "not a database" to a wrong password, a missing one and a text file alike. The
+// file's first bytes tell them apart: the cipher leaves bytes 16 to 23 of the header readable.
+FileForm RecogniseFile(sqlite3* db, const std::string& path) {
+  const std::string header = ReadHeader(db, path);
+  if (header.starts_with(std::string_view("SQLite format 3\0", 16))) return FileForm::Plain;
+  if (header.substr(20, 4) == "\x20\x40\x20\x20") return FileForm::Encrypted;
+  Throw(Error::NotADatabase, path);
+}
+
+// An open database holds at least a shared lock on its file, in this process or another.
+bool LockAlone(sqlite3* db, const std::string& path) {
+  sqlite3_file* file = FileOf(db, path);
+  for (const int lock : {SQLITE_LOCK_SHARED, SQLITE_LOCK_RESERVED, SQLITE_LOCK_EXCLUSIVE}) {
+    if (file->pMethods->xLock(file, lock) != SQLITE_OK) return false;
+  }
+  return true;
+}
+
+int ReadInteger(sqlite3* db, const char* sql, const std::string& path) {
+  sqlite3_stmt* raw = nullptr;
+  Check(db, sqlite3_prepare_v2(db, sql, -1, &raw, nullptr), path);
+  const StatementHandle statement(raw);
+  const int code = sqlite3_step(raw);
+  if (code != SQLITE_ROW) ThrowEngineError(db, code, path);
+  return sqlite3_column_int(raw, 0);
+}
+
+void Run(sqlite3* db, const char* sql, const std::string& path) {
+  Check(db, sqlite3_exec(db, sql, nullptr, nullptr, nullptr), path);
+}
+
+DatabaseHandle OpenHandle(const std::string& path, int flags) {
+  sqlite3* raw = nullptr;
+  const int code = sqlite3_open_v2(
+      path.c_str(), &raw,
+      flags | SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+  DatabaseHandle db(raw);
+  if (code != SQLITE_OK) ThrowEngineError(db.get(), code, path);
+  if (sqlite3_db_readonly(db.get(), "main") == 1) Throw(Error::FileNotAccessible, path);
+  return db;
+}
+
+// Settings of the connection; none of them touches the file.
+void Configure(sqlite3* db) {
+  sqlite3_busy_timeout(db, kBusyTimeoutMs);
+  sqlite3_db_config(db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_db_config(db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  sqlite3_limit(db, SQLITE_LIMIT_ATTACHED, 0);
+  InstallFunctions(db);
+}
+
+// Everything that touches the file for the first time, so that its faults show now.
+void ProveReadable(sqlite3* db, FileForm form, const std::string& path) {
+  try {
+    Run(db, "PRAGMA cache_size = -65536", path);
+    ReadInteger(db, "SELECT count(*) FROM sqlite_schema", path);
+    Run(db, "PRAGMA journal_mode = WAL", path);
+  } catch (const CDaoException& error) {
+    const auto code = static_cast<Error>(error.Code());
+    if (code == Error::NotADatabase && form == FileForm::Encrypted) Throw(Error::InvalidPassword);
+    if (code == Error::NotADatabase) Throw(Error::FileDamaged, path);
+    if (code == Error::ReadOnly) Throw(Error::FileNotAccessible, path);
+    throw;
+  }
+}
+
+// A file that lost its tail still opens; only the pages it lacks would fail, one day. Pages that
+// are in the write-ahead log only are not missing.
+void RequireWholeFile(sqlite3* db, const std::string& path) {
+  const auto is_short = [&] {
+    const auto pages = static_cast<std::uintmax_t>(ReadInteger(db, "PRAGMA page_count", path));
+    const auto page_size = static_cast<std::uintmax_t>(ReadInteger(db, "PRAGMA page_size", path));
+    std::error_code error;
+    const std::uintmax_t size = fs::file_size(PathOf(path), error);
+    return !error && size < pages * page_size;
+  };
+  if (!is_short()) return;
+  int in_log = 0;
+  int moved = 0;
+  const int code =
+      sqlite3_wal_checkpoint_v2(db, nullptr, SQLITE_CHECKPOINT_PASSIVE, &in_log, &moved);
+  if (code == SQLITE_OK && in_log == moved && is_short()) Throw(Error::FileDamaged, path);
+}
+
+void RemoveFiles(const std::string& path) {
+  std::error_code error;
+  if (!fs::remove(PathOf(path), error)) return;
+  for (const char* companion : kCompanions) fs::remove(PathOf(path + companion), error);
+}
+
+}  // namespace
+}  // namespace vdstomgr::sqlite
+
+namespace vdstomgr::dao {
+
+using namespace vdstomgr::sqlite;
+
+std::unique_ptr<Connection> OpenDatabase(const std::string& path, std::string_view password) {
+  RequireFile(path);
+  DatabaseHandle db = OpenHandle(path, 0);
+  const FileForm form = RecogniseFile(db.get(), path);
+  if ((form == FileForm::Encrypted) != !password.empty()) Throw(Error::InvalidPassword);
+  if (!password.empty()) {
+    Check(db.get(), sqlite3_key(db.get(), password.data(), static_cast<int>(password.size())),
+          path);
+  }
+  Configure(db.get());
+  ProveReadable(db.get(), form, path);
+  RequireWholeFile(db.get(), path);
+  return std::make_unique<sqlite::Connection>(std::move(db), path);
+}
+
+std::unique_ptr<Connection> CreateDatabase(const std::string& path) {
+  RequireFolder(path);
+  std::error_code error;
+  if (fs::exists(PathOf(path), error)) Throw(Error::DatabaseExists);
+  try {
+    DatabaseHandle db = OpenHandle(path, SQLITE_OPEN_CREATE);
+    Configure(db.get());
+    ProveReadable(db.get(), FileForm::Plain, path);
+    return std::make_unique<sqlite::Connection>(std::move(db), path);
+  } catch (const CDaoException& failure) {
+    DeleteDatabase(path);
+    // Where a file cannot be made the engine looks for one to read, and misses it.
+    if (failure.Code() == static_cast<int>(Error::FileNotFound)) {
+      Throw(Error::FileNotAccessible, path);
+    }
+    throw;
+  }
+}
+
+bool DeleteDatabase(const std::string& path) {
+  std::error_code error;
+  if (!fs::is_regular_file(PathOf(path), error)) return !fs::exists(PathOf(path), error);
+  try {
+    // Held until the names are gone, so that nobody opens the file while it is deleted.
+    const DatabaseHandle db = OpenHandle(path, 0);
+    if (!LockAlone(db.get(), path)) return false;
+    RemoveFiles(path);
+  } catch (const CDaoException&) {
+    RemoveFiles(path);  // not even open: let the file system decide
+  }
+  return !fs::exists(PathOf(path), error);
+}
+
+}  // namespace vdstomgr::dao

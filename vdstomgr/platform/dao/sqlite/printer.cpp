@@ -1,0 +1,61 @@
+#include "vdstomgr/platform/dao/sqlite/printer.h"
+
+#include <algorithm>
+
+#include "vdstomgr/platform/dao/column_table.h"
+#include "vdstomgr/platform/dao/sqlite/sql_printer.h"
+
+namespace vdstomgr::sqlite {
+namespace {
+
+bool IsOwnColumn(const jet::SelectItem& item) {
+  if (item.all) return true;
+  const auto* column = std::get_if<jet::ColumnRef>(&item.value.node);
+  return column && (item.alias.empty() || dao::SameName(item.alias, column->name));
+}
+
+// The one source whose rows the query shows as they are, or null.
+const jet::Source* EditableSource(const jet::Select& select) {
+  if (select.from.sources.size() != 1) return nullptr;
+  const jet::Source& source = select.from.sources.front().source;
+  const bool shows_rows = !select.distinct && select.group_by.empty() && !select.having &&
+                          select.unions.empty() && !(select.top && !select.order_by.empty()) &&
+                          std::all_of(select.items.begin(), select.items.end(), IsOwnColumn);
+  return shows_rows && !source.table.empty() ? &source : nullptr;
+}
+
+struct StatementPrinter {
+  const dao::SchemaView& schema;
+  const PrintOptions& options;
+  SqlPrinter printer{schema, options};
+
+  Printed operator()(const jet::Select& select) const {
+    const jet::Source* source = EditableSource(select);
+    if (!source) return {printer.Query(select, {}), StatementKind::Select, {}};
+    const auto& table = RequireTable(schema, source->table, dao::Error::UnknownTable);
+    const QueryForm form{.rowid_of = source->alias.empty() ? table.name : source->alias};
+    return {printer.Query(select, form), StatementKind::Select, table.name};
+  }
+  Printed operator()(const jet::Insert& insert) const {
+    return {printer.Action(insert), StatementKind::Insert, {}};
+  }
+  Printed operator()(const jet::Update& update) const {
+    return {printer.Action(update), StatementKind::Update, {}};
+  }
+  Printed operator()(const jet::Delete& statement) const {
+    return {printer.Action(statement), StatementKind::Delete, {}};
+  }
+  template <class SchemaStatement>
+  Printed operator()(const SchemaStatement& statement) const {
+    return {printer.Schema(statement), StatementKind::Schema, {}};
+  }
+};
+
+}  // namespace
+
+Printed Print(const jet::Statement& statement, const dao::SchemaView& schema,
+              const PrintOptions& options) {
+  return std::visit(StatementPrinter{schema, options}, statement);
+}
+
+}  // namespace vdstomgr::sqlite

@@ -1,0 +1,12 @@
+#include "vdstomgr/storage/sync_storage.h"
+
+#include "vdstomgr/storage/image_storage.h"
+#include "vdstomgr/storage/record_storage_state.h"
+
+bool vdstomgr::SyncStorage(CRkStorageManager& storage) {
+  CRkStorageManager::State& state = *storage.m_state;
+  const ScopedLock lock(state.lock);
+  if (!state.clusters.IsOpen()) return false;
+  state.clusters.Settle();
+  return SyncFile(state.data) && state.clusters.Sync();
+}

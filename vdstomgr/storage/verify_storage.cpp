@@ -1,0 +1,243 @@
+#include "vdstomgr/storage/verify_storage.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <numeric>
+
+#include "vdstomgr/storage/cluster_table.h"
+#include "vdstomgr/storage/data_file_check.h"
+#include "vdstomgr/storage/little_endian.h"
+#include "vdstomgr/storage/record_storage_state.h"
+
+namespace vdstomgr {
+namespace {
+
+struct FaultName {
+  StorageFault fault;
+  const char* name;
+};
+
+constexpr FaultName kNames[] = {
+    {StorageFault::data_file_unreadable, "data_file_unreadable"},
+    {StorageFault::data_header_short, "data_header_short"},
+    {StorageFault::data_signature, "data_signature"},
+    {StorageFault::data_version, "data_version"},
+    {StorageFault::data_key_kind, "data_key_kind"},
+    {StorageFault::data_length, "data_length"},
+    {StorageFault::record_tail_short, "record_tail_short"},
+    {StorageFault::record_damaged, "record_damaged"},
+    {StorageFault::record_checksum, "record_checksum"},
+    {StorageFault::index_file_unreadable, "index_file_unreadable"},
+    {StorageFault::index_header, "index_header"},
+    {StorageFault::index_length, "index_length"},
+    {StorageFault::cluster_free, "cluster_free"},
+    {StorageFault::cluster_double, "cluster_double"},
+    {StorageFault::cluster_order, "cluster_order"},
+    {StorageFault::cluster_outside, "cluster_outside"},
+    {StorageFault::cluster_overlap, "cluster_overlap"},
+    {StorageFault::cluster_mismatch, "cluster_mismatch"},
+    {StorageFault::cluster_of_removed, "cluster_of_removed"},
+    {StorageFault::record_without_cluster, "record_without_cluster"},
+};
+
+constexpr std::size_t kIndexHeaderBytes = 32;
+constexpr BYTE kIndexStart[] = {0xFB, 0, 'A', 'R', 'R', 'A', 'Y', 0, '0', '1', '0', '0'};
+constexpr std::size_t kIndexIdAt = 12;
+constexpr std::size_t kUnitSizeAt = 16;
+constexpr std::size_t kUnitBytesAt = 24;
+
+/// So many are looked at whatever the data file's length.
+constexpr std::uint64_t kManyClusters = 1 << 20;
+
+/// The clusters of an index file, checked one by one while the records go by.
+class IndexCheck {
+ public:
+  IndexCheck(const DataFileCheck& data, StorageReport& report)
+      : header_(data.Header()), end_(data.End()), report_(report) {}
+
+  void Load(const std::string& path);
+  void Compare(const CheckedRecord& record);
+  void Finish() { SkipTo(end_); }
+
+ private:
+  ClusterTable Table() { return {units_.data(), header_.key_length, KeyOrder(header_.key_type)}; }
+  std::uint64_t OffsetOf(DWORD slot) const {
+    return kIndexHeaderBytes + std::uint64_t{slot} * header_.ClusterBytes();
+  }
+  void Report(StorageFault fault, DWORD slot, const std::string& text) {
+    AddFinding(report_, fault, OffsetOf(slot),
+               "the cluster of " + PrintableKey(header_, Table().KeyAt(slot)) + " " + text);
+  }
+  bool ReadUnits(os::File& file);
+  void CheckOrder();
+  void CheckPlaces();
+  void SkipTo(std::uint64_t offset);
+  void CompareOne(DWORD slot, const CheckedRecord& record, bool& is_found);
+
+  DataHeader header_;
+  std::uint64_t end_;
+  StorageReport& report_;
+  std::vector<BYTE> units_;
+  std::vector<DWORD> by_offset_;  ///< slots of the clusters that lie inside the data file
+  std::size_t next_ = 0;
+};
+
+void IndexCheck::Load(const std::string& path) {
+  std::unique_ptr<os::File> file;
+  if (os::Files().Open(path, os::OpenMode::read, file)) {
+    AddFinding(report_, StorageFault::index_file_unreadable, 0, "the index file cannot be read");
+    return;
+  }
+  if (!ReadUnits(*file)) return;
+  CheckOrder();
+  CheckPlaces();
+}
+
+bool IndexCheck::ReadUnits(os::File& file) {
+  std::array<BYTE, kIndexHeaderBytes> start{};
+  std::size_t count = 0;
+  std::uint64_t size = 0;
+  const auto refuse = [&](StorageFault fault, const char* text) {
+    AddFinding(report_, fault, 0, text);
+    return false;
+  };
+  if (file.Size(size) || file.ReadAt(0, start.data(), start.size(), count)) {
+    return refuse(StorageFault::index_file_unreadable, "the index file cannot be read");
+  }
+  if (count < start.size() ||
+      !std::equal(std::begin(kIndexStart), std::end(kIndexStart), start.begin())) {
+    return refuse(StorageFault::index_header, "not an index file");
+  }
+  if (LoadLittle<DWORD>(start.data() + kIndexIdAt) != header_.storage_id ||
+      LoadLittle<DWORD>(start.data() + kUnitSizeAt) != header_.ClusterBytes()) {
+    return refuse(StorageFault::index_header, "the index file of another storage");
+  }
+  const DWORD bytes = LoadLittle<DWORD>(start.data() + kUnitBytesAt);
+  if (bytes > size - kIndexHeaderBytes || bytes % header_.ClusterBytes() != 0) {
+    return refuse(StorageFault::index_length, "the header counts clusters that are not there");
+  }
+  report_.clusters = bytes / header_.ClusterBytes();
+  if (report_.clusters > std::max(kManyClusters, end_ / header_.LeastRecord())) {
+    return refuse(StorageFault::index_length, "far more clusters than the data file has records");
+  }
+  units_.resize(bytes);
+  if (file.ReadAt(kIndexHeaderBytes, units_.data(), bytes, count) || count != bytes) {
+    return refuse(StorageFault::index_file_unreadable, "the index file cannot be read");
+  }
+  return true;
+}
+
+/// Number keys are compared with their neighbour, which is a shorter way round than to any other.
+void IndexCheck::CheckOrder() {
+  const auto is_after = [&](DWORD slot) {
+    const KeyBytes left = Table().KeyAt(slot - 1);
+    const KeyBytes right = Table().KeyAt(slot);
+    if (header_.key_type != kNumberKey) return Table().Order().Compare(left, right) > 0;
+    const DWORD distance = LoadLittle<DWORD>(left.data()) - LoadLittle<DWORD>(right.data());
+    return static_cast<std::int32_t>(distance) > 0;
+  };
+  for (DWORD slot = 1; slot < report_.clusters; ++slot) {
+    if (!is_after(slot)) continue;
+    Report(StorageFault::cluster_order, slot, "is the first that is not in key order");
+    return;
+  }
+}
+
+void IndexCheck::CheckPlaces() {
+  const ClusterTable table = Table();
+  DataHeader present = header_;
+  present.data_length = end_;
+  for (DWORD slot = 0; slot < report_.clusters; ++slot) {
+    if (table.IsFree(slot)) {
+      Report(StorageFault::cluster_free, slot, "is a free one");
+    } else if (table.PlaceAt(slot).IsWithin(present)) {
+      by_offset_.push_back(slot);
+    } else {
+      Report(StorageFault::cluster_outside, slot, "names bytes that the data file does not have");
+    }
+  }
+  std::sort(by_offset_.begin(), by_offset_.end(), [&](DWORD left, DWORD right) {
+    const auto left_offset = table.PlaceAt(left).offset;
+    const auto right_offset = table.PlaceAt(right).offset;
+    return left_offset != right_offset ? left_offset < right_offset : left < right;
+  });
+  std::uint64_t end = 0;
+  for (std::size_t i = 0; i < by_offset_.size(); ++i) {
+    const RecordPlace place = table.PlaceAt(by_offset_[i]);
+    if (i > 0 && place.offset == table.PlaceAt(by_offset_[i - 1]).offset) {
+      Report(StorageFault::cluster_double, by_offset_[i], "names the record of another one");
+    } else if (place.offset < end) {
+      Report(StorageFault::cluster_overlap, by_offset_[i], "names a part of another's record");
+    }
+    end = std::max(end, place.offset + place.length);
+  }
+}
+
+/// Clusters that no record has come for.
+void IndexCheck::SkipTo(std::uint64_t offset) {
+  for (; next_ < by_offset_.size(); ++next_) {
+    const std::uint64_t place = Table().PlaceAt(by_offset_[next_]).offset;
+    if (place >= offset) return;
+    Report(StorageFault::cluster_mismatch, by_offset_[next_],
+           "names offset " + std::to_string(place) + ", where no record begins");
+  }
+}
+
+void IndexCheck::CompareOne(DWORD slot, const CheckedRecord& record, bool& is_found) {
+  const ClusterTable table = Table();
+  const KeyBytes key = table.KeyAt(slot);
+  if (table.PlaceAt(slot) != record.place ||
+      !std::equal(key.begin(), key.end(), record.key.begin())) {
+    Report(StorageFault::cluster_mismatch, slot, "differs from its record");
+  } else if (!record.is_live) {
+    Report(StorageFault::cluster_of_removed, slot, "names a removed record");
+  } else {
+    is_found = true;
+  }
+}
+
+void IndexCheck::Compare(const CheckedRecord& record) {
+  SkipTo(record.place.offset);
+  bool is_found = false;
+  for (; next_ < by_offset_.size(); ++next_) {
+    if (Table().PlaceAt(by_offset_[next_]).offset != record.place.offset) break;
+    CompareOne(by_offset_[next_], record, is_found);
+  }
+  if (is_found || !record.is_live) return;
+  AddFinding(report_, StorageFault::record_without_cluster, kDataHeaderBytes + record.place.offset,
+             "the record of " + PrintableKey(header_, record.key) + " has no cluster");
+}
+
+}  // namespace
+
+const char* NameOf(StorageFault fault) {
+  for (const FaultName& entry : kNames) {
+    if (entry.fault == fault) return entry.name;
+  }
+  return "unknown";
+}
+
+bool IsMendedByLoad(StorageFault fault) {
+  return fault == StorageFault::cluster_free || fault == StorageFault::cluster_double ||
+         fault == StorageFault::cluster_order;
+}
+
+StorageReport VerifyStorage(const char* path) {
+  StorageReport report;
+  const CString data_path(path);
+  std::unique_ptr<os::File> file;
+  if (os::Files().Open(NativePath(data_path), os::OpenMode::read, file)) {
+    AddFinding(report, StorageFault::data_file_unreadable, 0, "the data file cannot be read");
+    return report;
+  }
+  auto data = DataFileCheck::Begin(*file, report);
+  if (!data) return report;
+  IndexCheck index(*data, report);
+  index.Load(NativePath(IndexPathOf(data_path)));
+  data->Walk(report, [&](const CheckedRecord& record) { index.Compare(record); });
+  index.Finish();
+  return report;
+}
+
+}  // namespace vdstomgr
