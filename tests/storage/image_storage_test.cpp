@@ -62,6 +62,15 @@ TEST_F(Images, AreDeletedByTheBeginningOfTheirKeys) {
   EXPECT_FALSE(images_.DelImage("a", true));
 }
 
+TEST_F(Images, AreRefusedByAStorageOfNumbers) {
+  const std::string numbers = Path("numbers.pdb");
+  ASSERT_TRUE(CRkStorageManager::CreateStorageFile(numbers.c_str(), 3, 'D', 4));
+  images_.CloseFile();
+  ASSERT_TRUE(images_.OpenFile(numbers.c_str(), 2, 3));
+  EXPECT_FALSE(Set(kGuid, "one", true));
+  EXPECT_EQ(images_.GetSize(), 0);
+}
+
 TEST_F(Images, ComeFromFilesAndGoToFiles) {
   const std::string file = Write("in.jpg", "picture");
   EXPECT_TRUE(images_.SetImage("k", file.c_str(), true, true, 0));

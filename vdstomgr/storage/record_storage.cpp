@@ -231,6 +231,7 @@ bool CRkStorageManager::Add(const char* key, const BYTE* data, int length, bool 
 
 bool CRkStorageManager::Replace(int position, const char* key, const BYTE* data, int length) {
   const ScopedLock lock(m_state->lock);
+  if (!m_state->IsPosition(position)) return false;
   vdstomgr::ClusterFile& clusters = m_state->clusters;
   const auto old = static_cast<std::size_t>(position);
   const std::vector<BYTE> old_key = clusters.KeyAt(old);

@@ -120,8 +120,8 @@ class VDSTO_API CRkStorageManager {
   friend bool vdstomgr::SyncStorage(CRkStorageManager& storage);
   struct State;
 
-  /// Add with sorting, then the removal of the record at `position`, which must be valid: a process
-  /// killed in between leaves both.
+  /// Add with sorting, then the removal of the record at `position`: a process killed in between
+  /// leaves both. False when there is no such position.
   bool Replace(int position, const char* key, const BYTE* data, int length);
 
   std::shared_ptr<State> m_state;
