@@ -116,7 +116,7 @@ std::error_code CRkFileMapper::State::CreateMap(DWORD size) {
   }
   map_size = size != 0 ? size : file_size;
   if (map_size == 0) return std::make_error_code(std::errc::invalid_argument);
-  const auto error = MapWindow(0, map_size);
+  const auto error = ShowWindow(0, map_size);
   has_map = !error || error == std::errc::not_enough_memory;
   return has_map ? std::error_code() : error;
 }
@@ -183,9 +183,9 @@ bool CRkFileMapper::State::Grow(std::uint64_t size) {
   if (old_size >= size) return true;
   const std::uint64_t new_size = GrownSize(size);
   if (has_view || new_size == 0) return false;
-  const bool had_map = has_map;
-  CloseMap();
-  const bool grown = !file->SetSize(new_size);
+  const bool had_map = std::exchange(has_map, false);
+  if (window_offset != 0) window.reset();
+  const bool grown = !file->Grow(new_size, window);
   if (grown) known_size = new_size;
   if (!had_map) return grown;
   if (const auto error = CreateMap(requested_size)) {

@@ -56,6 +56,14 @@ class ExclusiveFile : public File {
   /// stays. Not while a mapping of the file exists.
   virtual std::error_code SetSize(std::uint64_t size) = 0;
 
+  /// SetSize for a longer file of which there may be a mapping, from its beginning on: it then
+  /// reaches to the new end too, or is null where that cannot be had. On failure the length stays,
+  /// and the mapping where it can.
+  virtual std::error_code Grow(std::uint64_t size, std::unique_ptr<Mapping>& mapping) {
+    mapping.reset();
+    return SetSize(size);
+  }
+
   /// Maps `size` bytes (at least one, none beyond the end of the file) from `offset` (a multiple of
   /// MapGranularity) on, for reading and writing. Space that the range lacks is reserved first.
   /// `mapping` is set exactly when there is no error; it may outlive the file.
@@ -107,6 +115,9 @@ class ForwardingExclusiveFile : public ExclusiveFile {
   }
   std::error_code Size(std::uint64_t& size) override { return target_->Size(size); }
   std::error_code SetSize(std::uint64_t size) override { return target_->SetSize(size); }
+  std::error_code Grow(std::uint64_t size, std::unique_ptr<Mapping>& mapping) override {
+    return target_->Grow(size, mapping);
+  }
   std::error_code Map(std::uint64_t offset, std::uint64_t size, Paging paging,
                       std::unique_ptr<Mapping>& mapping) override {
     return target_->Map(offset, size, paging, mapping);

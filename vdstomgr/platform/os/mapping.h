@@ -34,6 +34,7 @@ class Mapping {
 
  protected:
   Mapping(BYTE* data, std::size_t size) : data_(data), size_(size) {}
+  void SetSize(std::size_t size) { size_ = size; }
 
  private:
   BYTE* data_;

@@ -101,6 +101,12 @@ class PosixExclusiveFile final : public PosixFile<ExclusiveFile> {
     return error;
   }
 
+  std::error_code Grow(std::uint64_t size, std::unique_ptr<Mapping>& mapping) override {
+    if (const auto error = SetSize(size)) return error;
+    if (mapping != nullptr && !ExtendPosixMapping(Descriptor(), size, *mapping)) mapping.reset();
+    return {};
+  }
+
   std::error_code Map(std::uint64_t offset, std::uint64_t size, Paging,
                       std::unique_ptr<Mapping>& mapping) override {
     mapping.reset();

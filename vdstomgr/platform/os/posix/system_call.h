@@ -22,8 +22,12 @@ auto Uninterrupted(Call call) {
   return result;
 }
 
-/// Maps a range that lies inside the open file.
+/// Maps a range that lies inside the open file. A mapping of its beginning has room to grow.
 std::error_code MapPosixFile(int descriptor, std::uint64_t offset, std::uint64_t size,
                              std::unique_ptr<Mapping>& mapping);
+
+/// Makes a mapping of the beginning of the open file, which is that long already, `size` bytes
+/// long. False when there is no room behind it, and it is to be ended then.
+bool ExtendPosixMapping(int descriptor, std::uint64_t size, Mapping& mapping);
 
 }  // namespace vdstomgr::os
