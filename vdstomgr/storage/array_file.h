@@ -10,6 +10,9 @@ class CRkFileArrayManager;
 
 namespace vdstomgr {
 
+class ClusterFile;
+class UnitFile;
+
 /// Returns when the device holds all units, or false when that cannot be told or no file is open.
 VDSTO_API bool SyncArray(CRkFileArrayManager& array);
 
@@ -78,6 +81,7 @@ class VDSTO_API CRkFileArrayManager {
 
  protected:
   friend class CRkFileArrayIndex;
+  friend class vdstomgr::ClusterFile;
   friend bool vdstomgr::SyncArray(CRkFileArrayManager& array);
 
   void LockCriticalSection();
@@ -88,14 +92,9 @@ class VDSTO_API CRkFileArrayManager {
  private:
   struct State;
 
-  /// What an index compares to know whether its entries still hold: renewed by every change, 0 when
-  /// closed, never the same twice in a process.
-  DWORD ModificationStamp() const;
-  void RenewModificationStamp();
-  /// Renewed whenever units move to other addresses; 0 when closed.
-  DWORD ViewStamp() const;
-  /// Bytes per unit; 0 when closed.
-  int UnitSize() const;
+  /// The array without its lock, which the caller holds (or sees to it that nobody else uses the
+  /// array). The reference is good while this object holds the same file.
+  vdstomgr::UnitFile& Units() const;
 
   std::shared_ptr<State> m_state;
 };

@@ -14,9 +14,11 @@
 #include "vdstomgr/storage/little_endian.h"
 #include "vdstomgr/storage/sorted_units.h"
 #include "vdstomgr/storage/stamp.h"
+#include "vdstomgr/storage/unit_file.h"
 
 using vdstomgr::IndexKey;
 using vdstomgr::KeyBytes;
+using vdstomgr::UnitFile;
 
 namespace {
 
@@ -58,6 +60,7 @@ struct CRkFileArrayIndex::State {
   vdstomgr::SortedUnits entries;
   int count = 0;  ///< of entries; stays when they are given up
 
+  vdstomgr::StampSource stamps;
   DWORD generation_stamp = 0;  ///< of these entries, for the indexes above
   DWORD source_stamp = 0;      ///< of what they were built from
   DWORD view_stamp = 0;        ///< of the view that they point into
@@ -80,9 +83,9 @@ struct CRkFileArrayIndex::State {
 
  private:
   void GiveUpEntries();
-  void RefreshRoot(CRkFileArrayManager& array);
-  void RefreshFiltered(CRkFileArrayManager& array);
-  void Rebuild(CRkFileArrayManager& array, std::vector<const void*> units, DWORD source);
+  void RefreshRoot(UnitFile& array);
+  void RefreshFiltered(const UnitFile& array);
+  void Rebuild(const UnitFile& array, std::vector<const void*> units, DWORD source);
   std::vector<const void*> FilteredUnits() const;
   std::vector<int> WantedRuns() const;
 };
@@ -108,18 +111,18 @@ void CRkFileArrayIndex::State::Bind(CRkFileArrayManager* new_manager, CRkFileArr
 }
 
 void CRkFileArrayIndex::State::Refresh() {
-  CRkFileArrayManager* const array = Array();
+  const CRkFileArrayManager* const array = Array();
   if (array == nullptr) return GiveUpEntries();
   if (parent != nullptr) {
-    RefreshFiltered(*array);
+    RefreshFiltered(array->Units());
   } else {
-    RefreshRoot(*array);
+    RefreshRoot(array->Units());
   }
 }
 
 void CRkFileArrayIndex::State::Prepare(bool refresh) {
   const CRkFileArrayManager* const array = Array();
-  if (refresh || array == nullptr || view_stamp != array->ViewStamp()) Refresh();
+  if (refresh || array == nullptr || view_stamp != array->Units().ViewStamp()) Refresh();
 }
 
 void CRkFileArrayIndex::State::GiveUpEntries() {
@@ -127,14 +130,14 @@ void CRkFileArrayIndex::State::GiveUpEntries() {
   if (parent != nullptr) count = 0;
 }
 
-void CRkFileArrayIndex::State::RefreshRoot(CRkFileArrayManager& array) {
-  const int size = array.GetSize();
+void CRkFileArrayIndex::State::RefreshRoot(UnitFile& array) {
+  const int size = array.Count();
   const DWORD stamp = array.ModificationStamp();
   if (source_stamp == stamp && view_stamp == array.ViewStamp()) return;
   vdstomgr::Trace("CRkFileArrayIndex::GenerateIndex() : %X != %X",
                   static_cast<unsigned>(source_stamp), static_cast<unsigned>(stamp));
   std::vector<const void*> units(static_cast<std::size_t>(size));
-  const BYTE* unit = static_cast<const BYTE*>(array.GetArrayPtr());
+  const BYTE* unit = array.Units();
   for (const void*& entry : units) {
     entry = unit;
     unit += array.UnitSize();
@@ -142,20 +145,20 @@ void CRkFileArrayIndex::State::RefreshRoot(CRkFileArrayManager& array) {
   Rebuild(array, std::move(units), stamp);
 }
 
-void CRkFileArrayIndex::State::RefreshFiltered(CRkFileArrayManager& array) {
+void CRkFileArrayIndex::State::RefreshFiltered(const UnitFile& array) {
   const State& source = *parent->m_state;
   parent->m_state->Refresh();
   if (source_stamp == source.generation_stamp) return;
   Rebuild(array, FilteredUnits(), source.generation_stamp);
 }
 
-void CRkFileArrayIndex::State::Rebuild(CRkFileArrayManager& array, std::vector<const void*> units,
+void CRkFileArrayIndex::State::Rebuild(const UnitFile& array, std::vector<const void*> units,
                                        DWORD source) {
   key.SetUnitSize(array.UnitSize());
   entries.Build(std::move(units), key);
   count = entries.Count();
   source_stamp = source;
-  generation_stamp = vdstomgr::NewStamp();
+  generation_stamp = stamps.New();
   view_stamp = array.ViewStamp();
 }
 
@@ -363,15 +366,17 @@ int CRkFileArrayIndex::IndexToArray(int position) {
   const ArrayLock lock(*this);
   m_state->Prepare(false);
   if (!m_state->entries.Has(position)) return -1;
-  const CRkFileArrayManager& array = *GetFileArrayMgr();
+  UnitFile& array = GetFileArrayMgr()->Units();
   const auto unit = reinterpret_cast<std::uintptr_t>(m_state->entries.At(position));
-  const auto header = reinterpret_cast<std::uintptr_t>(array.GetArrayPtr()) - kHeaderBytes;
+  const auto header = reinterpret_cast<std::uintptr_t>(array.Units()) - kHeaderBytes;
   return static_cast<int>((unit - header) / static_cast<std::uintptr_t>(array.UnitSize()));
 }
 
 void CRkFileArrayIndex::UpdateLastModified() {
   const ArrayLock lock(*this);
-  if (CRkFileArrayManager* const array = GetFileArrayMgr()) array->RenewModificationStamp();
+  if (CRkFileArrayManager* const array = GetFileArrayMgr()) {
+    array->Units().RenewModificationStamp();
+  }
 }
 
 void CRkFileArrayIndex::Destroy() {

@@ -4,6 +4,7 @@
 #include <numeric>
 
 #include "vdstomgr/storage/little_endian.h"
+#include "vdstomgr/storage/unit_file.h"
 
 namespace vdstomgr {
 namespace {
@@ -29,7 +30,7 @@ class ClusterFile::Access {
     if (array_ == nullptr) return;
     array_->GetArray();
     file.UpdateView();
-    if (static_cast<std::size_t>(array_->GetSize()) == file.Count()) return;
+    if (static_cast<std::size_t>(array_->Units().Count()) == file.Count()) return;
     const std::size_t searchable = file.searchable_;
     file.Adopt();
     file.searchable_ = std::min(searchable, file.Count());
@@ -80,6 +81,10 @@ void ClusterFile::Close() {
   Adopt();
 }
 
+void ClusterFile::UpdateView() {
+  units_ = array_.Units().Units();
+}
+
 CRkFileArrayManager* ClusterFile::Array() {
   Settle();
   is_seen_ = true;
@@ -95,7 +100,7 @@ std::size_t ClusterFile::Size() {
 void ClusterFile::Adopt() {
   UpdateView();
   sorted_.Clear();
-  arrived_.resize(static_cast<std::size_t>(array_.GetSize()));
+  arrived_.resize(static_cast<std::size_t>(array_.Units().Count()));
   std::iota(arrived_.begin(), arrived_.end(), DWORD{0});
   settled_ = arrived_.size();
   searchable_ = 0;
@@ -104,14 +109,14 @@ void ClusterFile::Adopt() {
 
 void ClusterFile::DropFree() {
   const ClusterTable table = Table();
-  const auto size = static_cast<DWORD>(array_.GetSize());
+  const auto size = static_cast<DWORD>(array_.Units().Count());
   DWORD kept = size;
   for (DWORD slot = size; slot-- > 0;) {
     if (!table.IsFree(slot)) continue;
     --kept;
     if (slot != kept) table.Copy(slot, kept);
   }
-  if (kept != size) array_.SetSize(static_cast<int>(kept));
+  if (kept != size) array_.Units().SetCount(static_cast<int>(kept));
 }
 
 /// Frees all but one of clusters that stand there more than once.
@@ -138,10 +143,10 @@ bool ClusterFile::Add(KeyBytes key, const RecordPlace& place, bool sort) {
   const Access access(*this);
   if (!is_open_) return false;
   EncodeCluster(unit_.data(), key_length_, key, place);
-  if (!array_.Add(unit_.data())) return false;
+  if (!array_.Units().Add(unit_.data())) return false;
   UpdateView();
   if (settled_ == Count()) ++settled_;
-  arrived_.push_back(static_cast<DWORD>(array_.GetSize() - 1));
+  arrived_.push_back(static_cast<DWORD>(array_.Units().Count() - 1));
   needs_sort_ = true;
   if (sort) SortArrived();
   SettleIfSeen();
@@ -152,14 +157,14 @@ bool ClusterFile::Add(KeyBytes key, const RecordPlace& place, bool sort) {
 bool ClusterFile::RemoveAt(std::size_t position) {
   const Access access(*this);
   const DWORD slot = SlotAt(position);
-  const auto last = static_cast<DWORD>(array_.GetSize() - 1);
+  const auto last = static_cast<DWORD>(array_.Units().Count() - 1);
   Forget(position);
   if (slot != last) {
     Relabel(last, slot);
     Table().Copy(slot, last);
   }
   settled_ = std::min(settled_, position);
-  const bool done = array_.SetSize(static_cast<int>(last));
+  const bool done = array_.Units().SetCount(static_cast<int>(last));
   UpdateView();
   searchable_ = std::min(searchable_, Count());
   SettleIfSeen();
@@ -167,7 +172,8 @@ bool ClusterFile::RemoveAt(std::size_t position) {
 }
 
 bool ClusterFile::RemoveAll() {
-  const bool done = array_.SetSize(0);
+  const Access access(*this);
+  const bool done = array_.Units().SetCount(0);
   Adopt();
   return done;
 }
@@ -293,12 +299,13 @@ void ClusterFile::SettleIfSeen() {
 /// Follows the cycles of the permutation. A last unit beside the clusters holds the one that each
 /// cycle begins with, so that none is ever only in memory.
 bool ClusterFile::Settle() {
+  const Access access(*this);
   const std::size_t size = Count();
   const std::size_t start = settled_;
   if (start == size) return true;
   std::vector<DWORD> sources(size - start);
   for (std::size_t i = 0; i < sources.size(); ++i) sources[i] = SlotAt(start + i);
-  if (!array_.Add(Table().Unit(sources[0]))) return false;
+  if (!array_.Units().Add(Table().Unit(sources[0]))) return false;
   UpdateView();
   const ClusterTable table = Table();
   const auto spare = static_cast<DWORD>(size);
@@ -316,7 +323,7 @@ bool ClusterFile::Settle() {
     table.Copy(slot, spare);
     source_of(slot) = slot;
   }
-  array_.SetSize(static_cast<int>(size));
+  array_.Units().SetCount(static_cast<int>(size));
   UpdateView();
   sorted_.NumberFrom(start);
   std::iota(arrived_.begin(), arrived_.end(), static_cast<DWORD>(sorted_.Size()));

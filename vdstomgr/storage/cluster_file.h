@@ -84,7 +84,7 @@ class ClusterFile {
   int Search(const Compare& compare) const;
   bool IsTreeSearchable() const { return searchable_ == sorted_.Size(); }
 
-  void UpdateView() { units_ = static_cast<BYTE*>(array_.GetArrayPtr()); }
+  void UpdateView();
   void SettleIfSeen();
 
   CRkFileArrayManager array_;

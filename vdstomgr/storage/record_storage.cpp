@@ -77,16 +77,16 @@ bool vdstomgr::MoveTo(const CString& from, const CString& to) {
 
 bool CRkStorageManager::State::Load(const char* path, int new_mapping_mode, int new_open_mode) {
   const CString new_path(path);
-  if (!data.OpenFile(path, new_mapping_mode, new_open_mode)) {
+  if (!data.Open(path, new_mapping_mode, new_open_mode)) {
     TraceRefusal(kLocked);
     return false;
   }
   mapping_mode = new_mapping_mode;
   open_mode = new_open_mode;
-  const bool is_empty = data.GetFileSize() == 0;
+  const bool is_empty = data.Size() == 0;
   if (is_empty) TraceRefusal(kEmptyFile);
-  if (is_empty || !data.CreateMap(0, nullptr) || !ReadHeader()) {
-    data.CloseFile();
+  if (is_empty || !data.CreateMap(0) || !ReadHeader()) {
+    data.Close();
     return false;
   }
   const CString new_index_path = vdstomgr::IndexPathOf(new_path);
@@ -98,31 +98,31 @@ bool CRkStorageManager::State::Load(const char* path, int new_mapping_mode, int 
 
 void CRkStorageManager::State::Free() {
   clusters.Close();
-  data.CloseFile();
+  data.Close();
 }
 
 /// A data length beyond the end of the file is refused: what is added would be put there.
 bool CRkStorageManager::State::ReadHeader() {
-  const BYTE* const bytes = data.LockFile(0, kDataHeaderBytes);
+  const BYTE* const bytes = data.View(0, kDataHeaderBytes);
   if (bytes == nullptr) {
     TraceNoHeader();
     return false;
   }
   const auto decoded = DataHeader::Decode(bytes);
-  data.UnlockFile();
-  if (!decoded || decoded->data_length > data.GetFileSize() - kDataHeaderBytes) return false;
+  data.EndView();
+  if (!decoded || decoded->data_length > data.Size() - kDataHeaderBytes) return false;
   header = *decoded;
   return true;
 }
 
 bool CRkStorageManager::State::PublishLength(std::uint64_t length) {
-  BYTE* const bytes = data.LockFile(0, kDataHeaderBytes);
+  BYTE* const bytes = data.View(0, kDataHeaderBytes);
   if (bytes == nullptr) {
     TraceNoHeader();
     return false;
   }
   vdstomgr::PublishLittle(bytes + vdstomgr::kDataLengthAt, length);
-  data.UnlockFile();
+  data.EndView();
   header.data_length = length;
   return true;
 }
@@ -132,11 +132,11 @@ bool CRkStorageManager::State::Append(KeyBytes key, const BYTE* bytes, DWORD len
   if (length > std::numeric_limits<DWORD>::max() - header.LeastRecord()) return false;
   const RecordPlace place{header.data_length, header.LeastRecord() + length, crc};
   const std::uint64_t at = kDataHeaderBytes + place.offset;
-  if (!clusters.IsOpen() || !data.SetFileSize(at + place.length)) return false;
-  BYTE* const record = data.LockFile(at, place.length);
+  if (!clusters.IsOpen() || !data.Grow(at + place.length)) return false;
+  BYTE* const record = data.View(at, place.length);
   if (record == nullptr) return false;
   vdstomgr::EncodeRecord(record, place, header.key_length, key, bytes);
-  data.UnlockFile();
+  data.EndView();
   if (!PublishLength(place.offset + place.length)) return false;
   if (clusters.Add(key, place, sort)) return true;
   PublishLength(place.offset);
@@ -145,7 +145,7 @@ bool CRkStorageManager::State::Append(KeyBytes key, const BYTE* bytes, DWORD len
 
 BYTE* CRkStorageManager::State::View(const RecordPlace& place) {
   if (!place.IsWithin(header)) return nullptr;
-  return data.LockFile(kDataHeaderBytes + place.offset, place.length);
+  return data.View(kDataHeaderBytes + place.offset, place.length);
 }
 
 bool CRkStorageManager::State::RemoveAt(std::size_t position) {
@@ -157,7 +157,7 @@ bool CRkStorageManager::State::RemoveAt(std::size_t position) {
     return false;
   }
   if (vdstomgr::IsLiveRecord(record, place)) vdstomgr::MarkRemoved(record);
-  data.UnlockFile();
+  data.EndView();
   return clusters.RemoveAt(position);
 }
 
@@ -186,7 +186,7 @@ CRkStorageManager::~CRkStorageManager() = default;
 
 CRkStorageManager::CRkStorageManager(const CRkStorageManager& other) : m_state(other.m_state) {
   const ScopedLock lock(other.m_state->lock);
-  if (!m_state->data.IsFileOpened()) m_state = std::make_shared<State>();
+  if (!m_state->data.IsOpen()) m_state = std::make_shared<State>();
 }
 
 CRkStorageManager& CRkStorageManager::operator=(const CRkStorageManager& other) {
@@ -206,7 +206,7 @@ void CRkStorageManager::FreeStorageFile() {
 
 void CRkStorageManager::Flush() {
   const ScopedLock lock(m_state->lock);
-  m_state->data.FlushFile();
+  m_state->data.FlushView();
 }
 
 bool CRkStorageManager::Add(DWORD key, const BYTE* data, int length, bool sort) {
@@ -312,7 +312,7 @@ BYTE* CRkStorageManager::GetBuffer(int position, int& length) {
     return nullptr;
   }
   if (!vdstomgr::IsLiveRecord(record, place)) {
-    state.data.UnlockFile();
+    state.data.EndView();
     return nullptr;
   }
   length = static_cast<int>(place.length - state.header.LeastRecord());
@@ -320,13 +320,13 @@ BYTE* CRkStorageManager::GetBuffer(int position, int& length) {
 }
 
 void CRkStorageManager::ReleaseBuffer() {
-  m_state->data.UnlockFile();
+  m_state->data.EndView();
   m_state->lock.Leave();
 }
 
 bool CRkStorageManager::SortStorageCluster() {
   const ScopedLock lock(m_state->lock);
-  return m_state->data.IsFileOpened() && m_state->clusters.Sort();
+  return m_state->data.IsOpen() && m_state->clusters.Sort();
 }
 
 CRkFileArrayManager* CRkStorageManager::GetClusterArray() {
@@ -341,15 +341,15 @@ int CRkStorageManager::GetSize() {
 
 DWORD CRkStorageManager::GetStorageID() {
   const ScopedLock lock(m_state->lock);
-  return m_state->data.IsFileOpened() ? m_state->header.storage_id : 0;
+  return m_state->data.IsOpen() ? m_state->header.storage_id : 0;
 }
 
 bool CRkStorageManager::IsFileOpened() {
-  return m_state->data.IsFileOpened();
+  return m_state->data.IsOpen();
 }
 
 bool CRkStorageManager::IsStorageLocked() {
-  return m_state->data.IsLocked();
+  return m_state->data.HasView();
 }
 
 CString CRkStorageManager::GetStoragePath() {

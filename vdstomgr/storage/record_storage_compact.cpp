@@ -37,7 +37,7 @@ bool CRkStorageManager::State::CopyRecord(std::size_t position, State& target) {
       is_live ? target.Append(key, record + vdstomgr::RecordHead::kBytes + header.key_length + 2,
                               place.length - header.LeastRecord(), place.crc, false)
               : target.Append(key, nullptr, 0, 0, false);
-  if (record != nullptr) data.UnlockFile();
+  if (record != nullptr) data.EndView();
   return done;
 }
 
@@ -76,7 +76,7 @@ bool CRkStorageManager::CompactStorageFileOnline(const char* path, int minimum_c
   const ScopedLock lock(state.lock);
   if (GetSize() < minimum_count) return true;
   const CompactionFiles files(path);
-  if (!state.clusters.IsOpen() || state.data.IsLocked()) return false;
+  if (!state.clusters.IsOpen() || state.data.HasView()) return false;
   if (!state.CopyTo(files.new_data, files.new_index)) return false;
   state.Free();
   if (!Swap(files)) return false;

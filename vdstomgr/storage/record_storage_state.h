@@ -4,14 +4,14 @@
 
 #include "vdstomgr/platform/os/lock.h"
 #include "vdstomgr/storage/cluster_file.h"
-#include "vdstomgr/storage/file_mapper.h"
+#include "vdstomgr/storage/mapped_file.h"
 #include "vdstomgr/storage/record_format.h"
 #include "vdstomgr/storage/record_storage.h"
 
 /// What the copies of a storage share. Members are called with the lock held.
 struct CRkStorageManager::State {
   vdstomgr::RecursiveLock lock;
-  CRkFileMapper data;
+  vdstomgr::MappedFile data;
   vdstomgr::ClusterFile clusters;
   vdstomgr::DataHeader header;  ///< as last read or written, also after closing
   CString data_path;
@@ -32,7 +32,7 @@ struct CRkStorageManager::State {
   /// them part of the file, then the cluster.
   bool Append(vdstomgr::KeyBytes key, const BYTE* data, DWORD length, DWORD crc, bool sort);
   bool RemoveAt(std::size_t position);
-  /// The record's bytes as a view to be ended by data.UnlockFile; null when they are not in the
+  /// The record's bytes as a view to be ended by data.EndView; null when they are not in the
   /// file.
   BYTE* View(const vdstomgr::RecordPlace& place);
   int Find(vdstomgr::KeyBytes key, bool refresh);

@@ -4,10 +4,11 @@
 
 namespace vdstomgr {
 
-DWORD NewStamp() {
-  static std::atomic<DWORD> last{0};
-  const DWORD stamp = last.fetch_add(1, std::memory_order_relaxed) + 1;
-  return stamp != 0 ? stamp : NewStamp();
+void StampSource::TakeLot() {
+  constexpr DWORD kLot = 1024;
+  static std::atomic<DWORD> lots{0};
+  next_ = lots.fetch_add(1, std::memory_order_relaxed) * kLot + 1;
+  left_ = kLot - 1;
 }
 
 }  // namespace vdstomgr

@@ -8,5 +8,5 @@ bool vdstomgr::SyncStorage(CRkStorageManager& storage) {
   const ScopedLock lock(state.lock);
   if (!state.clusters.IsOpen()) return false;
   state.clusters.Settle();
-  return SyncFile(state.data) && state.clusters.Sync();
+  return state.data.Sync() && state.clusters.Sync();
 }
