@@ -24,6 +24,7 @@
 #include "vdstomgr/storage/array_index.h"
 #include "vdstomgr/storage/file_mapper.h"
 #include "vdstomgr/storage/image_storage.h"
+#include "vdstomgr/storage/read_storage.h"
 #include "vdstomgr/storage/record_storage.h"
 #include "vdstomgr/storage/repair_storage.h"
 #include "vdstomgr/storage/sync_storage.h"

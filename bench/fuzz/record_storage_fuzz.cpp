@@ -1,5 +1,6 @@
 #include "bench/fuzz/fuzz_files.h"
 #include "vdstomgr/storage/image_storage.h"
+#include "vdstomgr/storage/read_storage.h"
 #include "vdstomgr/storage/record_storage.h"
 #include "vdstomgr/storage/repair_storage.h"
 #include "vdstomgr/storage/sync_storage.h"
@@ -132,6 +133,14 @@ void DoWithImages(const std::vector<Step>& steps) {
   }
 }
 
+/// Seldom, because it waits a little before it gives up.
+void LookFromOutside(const Step& step) {
+  if (step.code != 0x7F) return;
+  CBinData data;
+  vdstomgr::ReadStorage(DataPath().c_str(), step.Text().c_str(), data);
+  fuzz::Touch(data.GetData(), data.GetLength());
+}
+
 /// What a repair leaves as it is: damage in the data file. Damaged records have no cluster.
 void CheckLeftovers() {
   using vdstomgr::StorageFault;
@@ -172,6 +181,7 @@ extern "C" int LLVMFuzzerTestOneInput(const BYTE* data, std::size_t size) {
   playground.Write("store.pdb", input.TakeFile());
   playground.Write("store.pdx", input.Rest());
   vdstomgr::VerifyStorage(DataPath().c_str());
+  if (!input.Steps().empty()) LookFromOutside(input.Steps().back());
   const bool starts_with_images = !input.Steps().empty() && input.Steps()[0].code >= 0x80;
   if (starts_with_images) {
     DoWithImages(input.Steps());

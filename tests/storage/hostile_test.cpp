@@ -1,6 +1,7 @@
 #include <random>
 
 #include "tests/storage/record_test.h"
+#include "vdstomgr/storage/read_storage.h"
 #include "vdstomgr/storage/repair_storage.h"
 #include "vdstomgr/storage/sync_storage.h"
 #include "vdstomgr/storage/verify_storage.h"
@@ -12,6 +13,8 @@ class Hostile : public Records {
   /// All that can be done with what calls itself a storage. The sanitizers and the clock judge.
   void DoEverything(bool adds, bool repairs) {
     vdstomgr::VerifyStorage(path_.c_str());
+    CBinData data;
+    if (adds) vdstomgr::ReadStorage(path_.c_str(), "a", data);
     CString key;
     if (storage_.LoadStorageFile(path_.c_str(), 2, 3)) {
       for (const bool refresh : {false, true}) {

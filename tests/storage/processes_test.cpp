@@ -9,8 +9,12 @@
 
 #include "tests/storage/storage_test.h"
 #include "vdstomgr/storage/array_file.h"
+#include "vdstomgr/storage/read_storage.h"
+#include "vdstomgr/storage/record_storage.h"
 
 namespace {
+
+using vdstomgr::StorageLookup;
 
 constexpr int kUnitSize = 100;
 
@@ -50,6 +54,45 @@ TEST_F(Processes, AnotherOneMayReadAndNotWrite) {
     CRkFileArrayManager second;
     return second.OpenFile(path_.c_str()) && second.Add(UnitOf(4).data());
   }));
+}
+
+/// The writer moves clusters, removes records and compacts all the time.
+TEST_F(Processes, AnotherOneFindsRecordsWhileTheyMove) {
+  const std::string path = Path("s.pdb");
+  ASSERT_TRUE(CRkStorageManager::CreateStorageFile(path.c_str(), 1, 'S', 4));
+  const auto key_of = [](int i) { return std::to_string(100 + i); };
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const pid_t writer = Start([&] {
+    CRkStorageManager storage;
+    const auto put = [&](const std::string& key) {
+      const std::string data = std::string(5000, 'x') + key;
+      return storage.Add(key.c_str(), reinterpret_cast<const BYTE*>(data.data()), 5003, true);
+    };
+    if (!storage.LoadStorageFile(path.c_str())) return false;
+    for (int i = 0; i < 200; ++i) put(key_of(i));
+    if (write(ends[1], "", 1) != 1) return false;
+    for (int round = 0;; ++round) {
+      for (int i = 0; i < 100; ++i) put("0" + std::to_string(i % 10));
+      storage.SortStorageCluster();
+      for (int i = 0; i < 100; ++i) storage.RemoveAt(0);
+      if (!storage.CompactStorageFileOnline(path.c_str(), 0)) return false;
+    }
+  });
+  char ready;
+  ASSERT_EQ(read(ends[0], &ready, 1), 1);
+  CBinData data;
+  for (int i = 0; i < 1000; ++i) {
+    const std::string key = key_of(i % 200);
+    ASSERT_EQ(vdstomgr::ReadStorage(path.c_str(), key.c_str(), data), StorageLookup::found) << i;
+    ASSERT_EQ(std::string(data.begin(), data.end()), std::string(5000, 'x') + key);
+  }
+  EXPECT_EQ(vdstomgr::ReadStorage(path.c_str(), "none", data), StorageLookup::no_record);
+  EXPECT_EQ(vdstomgr::ReadStorage(path.c_str(), DWORD{5}, data), StorageLookup::unreadable);
+  EXPECT_EQ(kill(writer, SIGKILL), 0);
+  int status = 0;
+  waitpid(writer, &status, 0);
+  EXPECT_TRUE(WIFSIGNALED(status));
 }
 
 TEST_F(Processes, ALimitOnTheSizeIsAFalse) {

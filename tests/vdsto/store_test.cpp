@@ -142,9 +142,10 @@ TEST_F(StoreTest, AStoreInUseAndAFullDiskAreToldInOneLine) {
   EXPECT_EQ(Counts(Import()), "1 0 0");
   CRkPhotoImageStorage images;
   ASSERT_TRUE(images.OpenFile(Store().c_str()));
-  for (const auto& arguments : std::vector<std::vector<std::string>>{
-           {"import", Pictures()}, {"thumb", "a.jpg", "-o", "-"}, {"store", "sync"}})
+  for (const auto& arguments :
+       std::vector<std::vector<std::string>>{{"import", Pictures()}, {"store", "sync"}})
     ExpectRefused(arguments, 3, "is in use by another process");
+  EXPECT_EQ(Vdsto({"thumb", "a.jpg", "-o", "-"}).out.substr(0, 2), "\xFF\xD8");
   EXPECT_EQ(Vdsto({"store", "verify"}).code, 0);
 }
 

@@ -1,9 +1,7 @@
 #include "vdstomgr/storage/unit_file.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
-#include <iterator>
 #include <limits>
 #include <memory>
 #include <string>
@@ -11,17 +9,13 @@
 
 #include "vdstomgr/platform/report/report.h"
 #include "vdstomgr/platform/text/code_page.h"
+#include "vdstomgr/storage/array_format.h"
 #include "vdstomgr/storage/little_endian.h"
 #include "vdstomgr/storage/unit_moves.h"
 
 namespace vdstomgr {
 namespace {
 
-constexpr std::size_t kHeaderBytes = 32;
-constexpr std::size_t kIdAt = 12;
-constexpr std::size_t kUnitSizeAt = 16;
-constexpr std::size_t kDataBytesAt = 24;
-constexpr BYTE kStart[] = {0xFB, 0, 'A', 'R', 'R', 'A', 'Y', 0, '0', '1', '0', '0'};
 constexpr int kGrowthStep = 10 * 1024 * 1024;
 
 constexpr const char* kLocked = "파일 자체가 외부에서 Lock이 걸려 열지 못하는 상태임";
@@ -29,14 +23,6 @@ constexpr const char* kEmptyFile = "파일 초기화가 되어 있지 않은 파
 constexpr const char* kNoMap = "Failure of CreateMap";
 constexpr const char* kOtherUnitSize =
     "Array Unit Size Dismatch between Requested and File Header Information";
-
-std::array<BYTE, kHeaderBytes> HeaderOf(DWORD array_id, int unit_size) {
-  std::array<BYTE, kHeaderBytes> header{};
-  std::copy(std::begin(kStart), std::end(kStart), header.begin());
-  StoreLittle(header.data() + kIdAt, array_id);
-  StoreLittle(header.data() + kUnitSizeAt, static_cast<DWORD>(unit_size));
-  return header;
-}
 
 void ShowBox(const std::string& text) {
   ShowMessageBox(FromUtf8("OpenFile >> " + text).c_str());
@@ -63,7 +49,7 @@ bool UnitFile::Create(const char* path, DWORD array_id, int unit_size) {
         name.GetString(), static_cast<unsigned>(array_id), unit_size, error.value());
     return false;
   }
-  const auto header = HeaderOf(array_id, unit_size);
+  const auto header = ArrayHeader{array_id, static_cast<DWORD>(unit_size), 0}.Encode();
   if (!file->SetSize(header.size()) && !file->WriteAt(0, header.data(), header.size()) &&
       !file->Close()) {
     return true;
@@ -93,8 +79,8 @@ bool UnitFile::Open(const CString& path, int wanted_unit_size, int mapping_mode,
   if (file_.Size() == 0) return refuse(kEmptyFile, false);
   is_open_ = file_.CreateMap(0);
   if (!is_open_) return refuse(kNoMap, true);
-  if (TakeView() && view_bytes_ >= kHeaderBytes) {
-    unit_size_ = static_cast<int>(LoadLittle<DWORD>(view_ + kUnitSizeAt));
+  if (TakeView() && view_bytes_ >= kArrayHeaderBytes) {
+    unit_size_ = static_cast<int>(ArrayHeader::Decode(view_).unit_size);
     if (wanted_unit_size != -1 && wanted_unit_size != unit_size_) {
       return refuse(kOtherUnitSize, true);
     }
@@ -124,8 +110,8 @@ bool UnitFile::TakeView() {
 }
 
 bool UnitFile::CheckHeader() {
-  const bool is_valid = view_bytes_ >= kHeaderBytes && unit_size_ > 0 &&
-                        DataBytes() <= view_bytes_ - kHeaderBytes &&
+  const bool is_valid = view_bytes_ >= kArrayHeaderBytes && unit_size_ > 0 &&
+                        DataBytes() <= view_bytes_ - kArrayHeaderBytes &&
                         DataBytes() / Unit() <= std::numeric_limits<int>::max();
   if (!is_valid) {
     Trace(
@@ -140,7 +126,7 @@ bool UnitFile::CheckHeader() {
 }
 
 DWORD UnitFile::DataBytes() const {
-  return LoadLittle<DWORD>(view_ + kDataBytesAt);
+  return LoadLittle<DWORD>(view_ + kArrayDataBytesAt);
 }
 
 int UnitFile::Count() {
@@ -148,7 +134,7 @@ int UnitFile::Count() {
 }
 
 DWORD UnitFile::ArrayId() {
-  return IsReady() ? LoadLittle<DWORD>(view_ + kIdAt) : 0;
+  return IsReady() ? ArrayHeader::Decode(view_).array_id : 0;
 }
 
 BYTE* UnitFile::Units() {
@@ -156,7 +142,7 @@ BYTE* UnitFile::Units() {
 }
 
 BYTE* UnitFile::At(int index) const {
-  return view_ + kHeaderBytes + Unit() * static_cast<std::size_t>(index);
+  return view_ + kArrayHeaderBytes + Unit() * static_cast<std::size_t>(index);
 }
 
 bool UnitFile::IsCount(int count) const {
@@ -165,7 +151,7 @@ bool UnitFile::IsCount(int count) const {
 }
 
 bool UnitFile::MakeRoom(int count) {
-  const std::uint64_t bytes = std::uint64_t{Unit()} * static_cast<DWORD>(count) + kHeaderBytes;
+  const std::uint64_t bytes = std::uint64_t{Unit()} * static_cast<DWORD>(count) + kArrayHeaderBytes;
   if (bytes <= view_bytes_) return true;
   file_.EndView();
   const bool grown = file_.Grow(bytes);
@@ -181,7 +167,7 @@ bool UnitFile::SetCountAfter(int count, Fill fill) {
   Trace("CRkFileArrayManager::SetSize() : Update LastModified [%X]", static_cast<unsigned>(stamp_));
   if (!has_room) return false;
   fill();
-  PublishLittle(view_ + kDataBytesAt, static_cast<DWORD>(Unit()) * static_cast<DWORD>(count));
+  PublishLittle(view_ + kArrayDataBytesAt, static_cast<DWORD>(Unit()) * static_cast<DWORD>(count));
   return true;
 }
 

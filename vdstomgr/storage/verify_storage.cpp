@@ -5,6 +5,7 @@
 #include <limits>
 #include <numeric>
 
+#include "vdstomgr/storage/array_format.h"
 #include "vdstomgr/storage/cluster_table.h"
 #include "vdstomgr/storage/data_file_check.h"
 #include "vdstomgr/storage/little_endian.h"
@@ -41,12 +42,6 @@ constexpr FaultName kNames[] = {
     {StorageFault::record_without_cluster, "record_without_cluster"},
 };
 
-constexpr std::size_t kIndexHeaderBytes = 32;
-constexpr BYTE kIndexStart[] = {0xFB, 0, 'A', 'R', 'R', 'A', 'Y', 0, '0', '1', '0', '0'};
-constexpr std::size_t kIndexIdAt = 12;
-constexpr std::size_t kUnitSizeAt = 16;
-constexpr std::size_t kUnitBytesAt = 24;
-
 /// So many are looked at whatever the data file's length.
 constexpr std::uint64_t kManyClusters = 1 << 20;
 
@@ -63,7 +58,7 @@ class IndexCheck {
  private:
   ClusterTable Table() { return {units_.data(), header_.key_length, KeyOrder(header_.key_type)}; }
   std::uint64_t OffsetOf(DWORD slot) const {
-    return kIndexHeaderBytes + std::uint64_t{slot} * header_.ClusterBytes();
+    return kArrayHeaderBytes + std::uint64_t{slot} * header_.ClusterBytes();
   }
   void Report(StorageFault fault, DWORD slot, const std::string& text) {
     AddFinding(report_, fault, OffsetOf(slot),
@@ -95,7 +90,7 @@ void IndexCheck::Load(const std::string& path) {
 }
 
 bool IndexCheck::ReadUnits(os::File& file) {
-  std::array<BYTE, kIndexHeaderBytes> start{};
+  std::array<BYTE, kArrayHeaderBytes> start{};
   std::size_t count = 0;
   std::uint64_t size = 0;
   const auto refuse = [&](StorageFault fault, const char* text) {
@@ -105,16 +100,15 @@ bool IndexCheck::ReadUnits(os::File& file) {
   if (file.Size(size) || file.ReadAt(0, start.data(), start.size(), count)) {
     return refuse(StorageFault::index_file_unreadable, "the index file cannot be read");
   }
-  if (count < start.size() ||
-      !std::equal(std::begin(kIndexStart), std::end(kIndexStart), start.begin())) {
+  if (count < start.size() || !ArrayHeader::HasSignature(start.data())) {
     return refuse(StorageFault::index_header, "not an index file");
   }
-  if (LoadLittle<DWORD>(start.data() + kIndexIdAt) != header_.storage_id ||
-      LoadLittle<DWORD>(start.data() + kUnitSizeAt) != header_.ClusterBytes()) {
+  const ArrayHeader header = ArrayHeader::Decode(start.data());
+  if (header.array_id != header_.storage_id || header.unit_size != header_.ClusterBytes()) {
     return refuse(StorageFault::index_header, "the index file of another storage");
   }
-  const DWORD bytes = LoadLittle<DWORD>(start.data() + kUnitBytesAt);
-  if (bytes > size - kIndexHeaderBytes || bytes % header_.ClusterBytes() != 0) {
+  const DWORD bytes = header.data_bytes;
+  if (bytes > size - kArrayHeaderBytes || bytes % header_.ClusterBytes() != 0) {
     return refuse(StorageFault::index_length, "the header counts clusters that are not there");
   }
   report_.clusters = bytes / header_.ClusterBytes();
@@ -122,7 +116,7 @@ bool IndexCheck::ReadUnits(os::File& file) {
     return refuse(StorageFault::index_length, "far more clusters than the data file has records");
   }
   units_.resize(bytes);
-  if (file.ReadAt(kIndexHeaderBytes, units_.data(), bytes, count) || count != bytes) {
+  if (file.ReadAt(kArrayHeaderBytes, units_.data(), bytes, count) || count != bytes) {
     return refuse(StorageFault::index_file_unreadable, "the index file cannot be read");
   }
   return true;

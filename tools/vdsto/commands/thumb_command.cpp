@@ -20,9 +20,8 @@ CBinData ReadThumbnail(Library& library, const PHOTOINFO& photo) {
                                              (CanBeShown(photo) ? ": run vdsto import again"
                                                                 : ": the picture is broken"));
   }
-  ImageStore images(library.Folder());
   CBinData image;
-  if (!images.Open() || !images.Get(key, image)) {
+  if (!ReadImage(library.Folder(), key, image)) {
     throw ToolError(ExitCode::kNotFound,
                     "the thumbnail of " + name + " is not in the store: run vdsto import again");
   }

@@ -42,9 +42,10 @@ bool IsInUse(const std::string& path) {
   return in_use;
 }
 
-std::string WhyNotOpened(const std::string& path) {
+/// Why the store cannot be used in the way that `access_mode` says.
+std::string WhyNotOpened(const std::string& path, int access_mode) {
   if (IsInUse(path)) return "is in use by another process, perhaps an import";
-  if (access(path.c_str(), R_OK | W_OK) != 0)
+  if (access(path.c_str(), access_mode) != 0)
     return "cannot be opened: " + std::generic_category().message(errno);
   return "cannot be opened: run vdsto store verify, then vdsto store repair";
 }
@@ -58,6 +59,15 @@ void Rename(const std::string& from, const std::string& to) {
 /// Without its data file there may still be the pieces of a compaction that was killed.
 bool HasPieces(const std::string& path) {
   return Exists(path + ".bak") || Exists(path + ".compacting.pdb");
+}
+
+/// False without a store; throws ToolError when there are only pieces of one.
+bool IsWhole(const std::string& path) {
+  if (Exists(path)) return true;
+  if (!HasPieces(path)) return false;
+  throw ToolError(
+      ExitCode::kCannotOpen,
+      Printable(path) + " is missing, but a compaction left its pieces: run vdsto store repair");
 }
 
 }  // namespace
@@ -104,19 +114,25 @@ void OpenPatiently(const std::string& path, const std::function<bool()>& open) {
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
   while (!open()) {
     if (!IsInUse(path) || std::chrono::steady_clock::now() > deadline) {
-      throw ToolError(ExitCode::kCannotOpen, Printable(path) + " " + WhyNotOpened(path));
+      throw ToolError(ExitCode::kCannotOpen,
+                      Printable(path) + " " + WhyNotOpened(path, R_OK | W_OK));
     }
     std::this_thread::sleep_for(kPause);
   }
 }
 
-bool ImageStore::Open() {
-  if (!Exists(path_)) {
-    if (!HasPieces(path_)) return false;
-    throw ToolError(
-        ExitCode::kCannotOpen,
-        Printable(path_) + " is missing, but a compaction left its pieces: run vdsto store repair");
+bool ReadImage(const std::string& library_folder, const std::string& key, CBinData& image) {
+  const std::string path = ImageStorePath(library_folder);
+  if (!IsWhole(path)) return false;
+  const auto answer = vdstomgr::ReadStorage(path.c_str(), key.c_str(), image);
+  if (answer != vdstomgr::StorageLookup::unreadable) {
+    return answer == vdstomgr::StorageLookup::found;
   }
+  throw ToolError(ExitCode::kCannotOpen, Printable(path) + " " + WhyNotOpened(path, R_OK));
+}
+
+bool ImageStore::Open() {
+  if (!IsWhole(path_)) return false;
   CRkPhotoImageStorage opened;
   OpenPatiently(path_, [&] {
     if (opened.OpenFile(path_.c_str())) return true;
@@ -154,10 +170,6 @@ void ImageStore::Put(const std::string& key, std::span<const uint8_t> image) {
 
 void ImageStore::Remove(const std::string& key) {
   if (is_open_) storage_.DelImage(key.c_str());
-}
-
-bool ImageStore::Get(const std::string& key, CBinData& image) {
-  return storage_.GetImage(key.c_str(), image);
 }
 
 void ImageStore::Sync() {

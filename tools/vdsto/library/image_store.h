@@ -26,6 +26,10 @@ std::string ImageLocation(const std::string& key);
 /// The inverse of ImageLocation; empty for a text that names no image of the store.
 std::string ImageKeyOf(const std::string& location);
 
+/// Copies an image out of a library's store, also while an import writes to it. False when there is
+/// no such image or no store. Throws ToolError when the store cannot be read.
+bool ReadImage(const std::string& library_folder, const std::string& key, CBinData& image);
+
 /// Calls `open`, which must leave nothing open when it fails, and waits a little while another
 /// process has the store at `path`. Throws ToolError, which says why, when that does not help.
 void OpenPatiently(const std::string& path, const std::function<bool()>& open);
@@ -45,8 +49,6 @@ class ImageStore {
   /// image is still there then.
   void Put(const std::string& key, std::span<const uint8_t> image);
   void Remove(const std::string& key);
-  /// False when there is no such image.
-  bool Get(const std::string& key, CBinData& image);
   /// Returns when the device holds what was put. Throws ToolError when it does not.
   void Sync();
 
