@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
-# Builds and runs the tests. Usage: ./test.sh [PRESET]   (release, debug, asan or tsan; default release)
+# Builds and runs the tests. Usage: ./test.sh [PRESET [cmake options...]]
+# The preset is release (the default), debug, asan or tsan.
 set -euo pipefail
 cd "$(dirname "$0")"
 
 preset=${1:-release}
+[ $# -eq 0 ] || shift
 scripts/install-dependencies.sh build test
-scripts/build.sh "$preset" -DVDSTO_BUILD_TESTS=ON -DVDSTO_BUILD_BENCH=OFF
+scripts/build.sh "$preset" -DVDSTO_BUILD_TESTS=ON -DVDSTO_BUILD_BENCH=OFF "$@"
 ctest --preset "$preset" --parallel "$(nproc)"

@@ -30,8 +30,12 @@ followed unless they lead into or above the imported tree. Folders without pictu
 
 constexpr const char* kStoreNotes =
     R"(The store is images.pdb and images.pdx in the library's folder. One process at a time uses it:
-repair and compact wait for a running import to end, sync fails then, stat and verify may be asked
-at any time. What the store loses, the next import makes again.)";
+repair and compact wait for a running import to end, sync fails then. stat, verify and vdsto thumb
+read beside it at any time. What the store loses, the next import makes again.)";
+
+std::string WithExitCodes(const char* notes) {
+  return std::string(notes) + "\n\n" + kExitCodes;
+}
 
 class CommandLine {
  public:
@@ -90,7 +94,7 @@ class CommandLine {
 
   void AddImport() {
     auto* import = app_.add_subcommand("import", "Mirror folders of pictures into the catalogue");
-    import->footer(kImportNotes);
+    import->footer(WithExitCodes(kImportNotes));
     import->add_option("FOLDER", import_folders_, "Folders to import")->required();
     Bind(import, [this] {
       const bool done = RunImport(Options(), import_folders_, Form(), std::cout);
@@ -114,7 +118,7 @@ class CommandLine {
         app_.add_subcommand("store", "Look after the image store, which holds thumbnails");
     store->require_subcommand(1);
     store->fallthrough();
-    store->footer(kStoreNotes);
+    store->footer(WithExitCodes(kStoreNotes));
     const auto add = [&](const char* name, const char* help, StoreTask task) {
       Bind(store->add_subcommand(name, help)->fallthrough(),
            [this, task] { return task(Options(), Form(), std::cout); });

@@ -148,6 +148,8 @@ BYTE* CRkStorageManager::State::View(const RecordPlace& place) {
   return data.View(kDataHeaderBytes + place.offset, place.length);
 }
 
+/// The cluster goes first: a process killed in between leaves a record that nothing names. The other
+/// way round a compaction would find the name and bring the record back without its data.
 bool CRkStorageManager::State::RemoveAt(std::size_t position) {
   const RecordPlace place = clusters.PlaceAt(position);
   BYTE* const record = View(place);
@@ -156,9 +158,10 @@ bool CRkStorageManager::State::RemoveAt(std::size_t position) {
           vdstomgr::FromUtf8("Header를 LockFile하지 못함 LastError").c_str(), errno);
     return false;
   }
-  if (vdstomgr::IsLiveRecord(record, place)) vdstomgr::MarkRemoved(record);
+  const bool done = clusters.RemoveAt(position);
+  if (done && vdstomgr::IsLiveRecord(record, place)) vdstomgr::MarkRemoved(record);
   data.EndView();
-  return clusters.RemoveAt(position);
+  return done;
 }
 
 int CRkStorageManager::State::Find(KeyBytes key, bool refresh) {
