@@ -6,7 +6,8 @@
 #include "vdstomgr/platform/dao/sqlite/functions.h"
 
 /// Runs the engine's own integrity check on a catalogue without a password.
-/// Usage: check_integrity FILE. Exits with 0 when the check finds nothing; else prints what it found.
+/// Usage: check_integrity FILE. Exits with 0 when the check finds nothing; else prints what it
+/// found.
 int main(int argc, char** argv) {
   sqlite3* db = nullptr;
   if (argc != 2 || sqlite3_open_v2(argv[1], &db, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK) {

@@ -148,8 +148,8 @@ BYTE* CRkStorageManager::State::View(const RecordPlace& place) {
   return data.View(kDataHeaderBytes + place.offset, place.length);
 }
 
-/// The cluster goes first: a process killed in between leaves a record that nothing names. The other
-/// way round a compaction would find the name and bring the record back without its data.
+/// The cluster goes first: a process killed in between leaves a record that nothing names. The
+/// other way round a compaction would find the name and bring the record back without its data.
 bool CRkStorageManager::State::RemoveAt(std::size_t position) {
   const RecordPlace place = clusters.PlaceAt(position);
   BYTE* const record = View(place);
