@@ -193,6 +193,8 @@ TEST_F(ArrayIndex, FiltersKeepTheUnitsTheyName) {
   EXPECT_EQ(filtered.CreateFilteredIndexForBinaryIndex(&binaries, keys, Index::INDEX_DWORD, 4, 0),
             1);
   EXPECT_EQ(filtered.FindDWORD(4), 0);
+  binaries.CreateFileArrayIndex(&array, Index::INDEX_BINARY, 6, kNumberAt);
+  EXPECT_EQ(filtered.GetSize(), 0);  // the value is shorter than the parent's keys are now
 }
 
 /// Numbers 0 to 40 and their texts; each operation is followed by a look through every index.

@@ -137,9 +137,6 @@ class FaultyFiles : public ForwardingFileSystem {
       if (!error) content->ready.resize(static_cast<std::size_t>(size));
       return error;
     }
-    std::error_code Grow(std::uint64_t size, std::unique_ptr<Mapping>& mapping) override {
-      return ExclusiveFile::Grow(size, mapping);
-    }
     std::error_code Map(std::uint64_t offset, std::uint64_t size, Paging paging,
                         std::unique_ptr<Mapping>& mapping) override {
       if (files.Fails()) return Error();

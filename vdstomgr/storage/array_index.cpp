@@ -175,7 +175,10 @@ std::vector<int> CRkFileArrayIndex::State::WantedRuns() const {
       for (const DWORD number : numbers) want(BytesOf(number));
       break;
     default:
-      for (const auto& bytes : binaries) want(source.key.OfBytes(bytes.data()));
+      // The parent may have been made anew, with longer keys, since the values were given.
+      for (const auto& bytes : binaries) {
+        if (bytes.size() >= source.key.Limit()) want(source.key.OfBytes(bytes.data()));
+      }
   }
   std::sort(runs.begin(), runs.end());
   runs.erase(std::unique(runs.begin(), runs.end()), runs.end());

@@ -100,7 +100,9 @@ class FileSystem {
   virtual bool Exists(const std::string& path) = 0;
 };
 
-/// Pass every call on; a derived class overrides what it wants to disturb.
+/// Pass every call on but Grow, which takes the mapping that the same file has made and does not
+/// know one that a derived class has put around it. A derived class overrides what it wants to
+/// disturb.
 class ForwardingExclusiveFile : public ExclusiveFile {
  public:
   explicit ForwardingExclusiveFile(std::unique_ptr<ExclusiveFile> target)
@@ -115,9 +117,6 @@ class ForwardingExclusiveFile : public ExclusiveFile {
   }
   std::error_code Size(std::uint64_t& size) override { return target_->Size(size); }
   std::error_code SetSize(std::uint64_t size) override { return target_->SetSize(size); }
-  std::error_code Grow(std::uint64_t size, std::unique_ptr<Mapping>& mapping) override {
-    return target_->Grow(size, mapping);
-  }
   std::error_code Map(std::uint64_t offset, std::uint64_t size, Paging paging,
                       std::unique_ptr<Mapping>& mapping) override {
     return target_->Map(offset, size, paging, mapping);
