@@ -195,6 +195,14 @@ TEST_F(ArrayIndex, FiltersKeepTheUnitsTheyName) {
   EXPECT_EQ(filtered.FindDWORD(4), 0);
   binaries.CreateFileArrayIndex(&array, Index::INDEX_BINARY, 6, kNumberAt);
   EXPECT_EQ(filtered.GetSize(), 0);  // the value is shorter than the parent's keys are now
+  const auto make = [&] {
+    binaries.CreateFileArrayIndex(&array, Index::INDEX_BINARY, 4, kNumberAt);
+    return filtered.CreateFilteredIndexForBinaryIndex(&binaries, keys, Index::INDEX_BINARY, 4, 0);
+  };
+  EXPECT_EQ(make(), 1);
+  array.CloseFile();
+  binaries.GenerateIndex();
+  EXPECT_EQ(make(), 0);
 }
 
 /// Numbers 0 to 40 and their texts; each operation is followed by a look through every index.

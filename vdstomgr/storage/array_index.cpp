@@ -72,6 +72,8 @@ struct CRkFileArrayIndex::State {
   }
   void Bind(CRkFileArrayManager* new_manager, CRkFileArrayIndex* new_parent, IndexKey new_key);
   void ForgetStamps() { generation_stamp = source_stamp = 0; }
+  /// Since the stamps were forgotten: a closed array has stamps of 0 too.
+  bool IsBuilt() const { return generation_stamp != 0; }
   void Refresh();
   /// Entries are good only while the units stay where they are: without `refresh` they are brought
   /// up to date only when that is over.
@@ -133,7 +135,7 @@ void CRkFileArrayIndex::State::GiveUpEntries() {
 void CRkFileArrayIndex::State::RefreshRoot(UnitFile& array) {
   const int size = array.Count();
   const DWORD stamp = array.ModificationStamp();
-  if (source_stamp == stamp && view_stamp == array.ViewStamp()) return;
+  if (IsBuilt() && source_stamp == stamp && view_stamp == array.ViewStamp()) return;
   vdstomgr::Trace("CRkFileArrayIndex::GenerateIndex() : %X != %X",
                   static_cast<unsigned>(source_stamp), static_cast<unsigned>(stamp));
   std::vector<const void*> units(static_cast<std::size_t>(size));
@@ -148,7 +150,7 @@ void CRkFileArrayIndex::State::RefreshRoot(UnitFile& array) {
 void CRkFileArrayIndex::State::RefreshFiltered(const UnitFile& array) {
   const State& source = *parent->m_state;
   parent->m_state->Refresh();
-  if (source_stamp == source.generation_stamp) return;
+  if (IsBuilt() && source_stamp == source.generation_stamp) return;
   Rebuild(array, FilteredUnits(), source.generation_stamp);
 }
 
