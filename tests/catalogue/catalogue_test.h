@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "vdstomgr/catalogue/folder_ids.h"
 #include "vdstomgr/platform/dao/dao_exception.h"
 #include "vdstomgr/platform/os/tick_count.h"
 #include "vdstomgr/records/fixed_text.h"
+#include "vdstomgr/records/folder_ids.h"
 #include "vdstomgr/vdstomgr.h"
 
 namespace vdstomgr {

@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "vdstomgr/catalogue/folder_columns.h"
-#include "vdstomgr/catalogue/folder_ids.h"
 #include "vdstomgr/catalogue/photo_db_manager.h"
 #include "vdstomgr/platform/report/report.h"
+#include "vdstomgr/records/folder_ids.h"
 
 using namespace vdstomgr;
 

@@ -1,8 +1,8 @@
 #include "vdstomgr/catalogue/folder_columns.h"
 
 #include "vdstomgr/catalogue/column_kinds.h"
-#include "vdstomgr/catalogue/folder_ids.h"
 #include "vdstomgr/platform/utility/utility_lib.h"
+#include "vdstomgr/records/folder_ids.h"
 
 namespace vdstomgr {
 

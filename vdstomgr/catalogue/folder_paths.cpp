@@ -1,9 +1,9 @@
 #include <unordered_set>
 #include <vector>
 
-#include "vdstomgr/catalogue/folder_ids.h"
 #include "vdstomgr/catalogue/photo_db_manager.h"
 #include "vdstomgr/platform/utility/utility_lib.h"
+#include "vdstomgr/records/folder_ids.h"
 
 using namespace vdstomgr;
 

@@ -1,9 +1,9 @@
 #include <unordered_set>
 
 #include "vdstomgr/catalogue/folder_columns.h"
-#include "vdstomgr/catalogue/folder_ids.h"
 #include "vdstomgr/catalogue/photo_db_manager.h"
 #include "vdstomgr/records/fixed_text.h"
+#include "vdstomgr/records/folder_ids.h"
 
 using namespace vdstomgr;
 

@@ -2,10 +2,10 @@
 #include <utility>
 
 #include "vdstomgr/catalogue/folder_columns.h"
-#include "vdstomgr/catalogue/folder_ids.h"
 #include "vdstomgr/catalogue/photo_db_manager.h"
 #include "vdstomgr/platform/message_parser/wqtp_parser.h"
 #include "vdstomgr/platform/utility/utility_lib.h"
+#include "vdstomgr/records/folder_ids.h"
 
 using namespace vdstomgr;
 

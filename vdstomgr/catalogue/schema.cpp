@@ -1,6 +1,6 @@
-#include "vdstomgr/catalogue/folder_ids.h"
 #include "vdstomgr/catalogue/photo_db_manager.h"
 #include "vdstomgr/catalogue/schema_statements.h"
+#include "vdstomgr/records/folder_ids.h"
 
 using namespace vdstomgr;
 

@@ -1,8 +1,8 @@
-#include "vdstomgr/catalogue/folder_ids.h"
 #include "vdstomgr/catalogue/photo_db_manager.h"
 #include "vdstomgr/platform/dao/dao_error.h"
 #include "vdstomgr/platform/dao/engine.h"
 #include "vdstomgr/platform/text/code_page.h"
+#include "vdstomgr/records/folder_ids.h"
 
 using namespace vdstomgr;
 

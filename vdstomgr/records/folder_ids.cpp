@@ -1,4 +1,4 @@
-#include "vdstomgr/catalogue/folder_ids.h"
+#include "vdstomgr/records/folder_ids.h"
 
 #include "vdstomgr/platform/text/code_page.h"
 

@@ -33,8 +33,8 @@ constexpr std::int32_t SpaceTypeOfRoot(DWORD id) {
 }
 
 /// The fixed name of a root in the process's code page; empty for any other folder.
-CString RootFolderName(DWORD id);
+VDSTO_API CString RootFolderName(DWORD id);
 /// The name of the trash folders in the process's code page.
-CString TrashFolderName();
+VDSTO_API CString TrashFolderName();
 
 }  // namespace vdstomgr
