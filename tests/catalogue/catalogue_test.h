@@ -24,6 +24,7 @@ class OpenCatalogue : public CRkPhotoDBManager {
   using CRkPhotoDBManager::cLoadFileData;
   using CRkPhotoDBManager::cToDBString;
   using CRkPhotoDBManager::m_mapSubFolderDef;
+  using CRkPhotoDBManager::m_db;
 };
 
 /// A folder of its own for every test, a new open catalogue in it, and the database errors

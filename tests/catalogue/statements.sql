@@ -4,6 +4,9 @@
 0 UPDATE FolderInfo SET szFolderName = '개인 폴더' WHERE dwFolderID = 1
 0 UPDATE FolderInfo SET szFolderName = '공용 폴더' WHERE dwFolderID = 1
 0 UPDATE FolderInfo SET szFolderName = '게스트 폴더' WHERE dwFolderID = 1
+0 INSERT INTO FolderInfo (dwFolderID, dwParentID, szFolderName, nSpaceType) values (101, -1, 'g1', 1)
+0 INSERT INTO FolderInfo (dwFolderID, dwParentID, szFolderName) values (102, -1, 'g1')
+3022 INSERT INTO VersionInfo(szName, szVersion) values('SyncUploadList', 'g1')
 0 SELECT szVersion FROM VersionInfo WHERE szName = 'g1'
 0 UPDATE VersionInfo SET szVersion = 'g1' WHERE szName = 'g1'
 0 UPDATE VersionInfo SET szVersion = '2016-06-16 12:00:00' WHERE szName = 'PhotoTrashMaster'

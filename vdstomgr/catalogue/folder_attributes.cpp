@@ -1,31 +1,62 @@
-#include "vdstomgr/catalogue/photo_db_manager.h"
+#include "vdstomgr/catalogue/folder_attributes.h"
 
-using namespace vdstomgr;
+#include <atomic>
 
-int CRkPhotoDBManager::GetAllSharedFolderCount() {
-  return Guarded(0, [&] {
-    return FirstInteger(Select("SELECT Count(*) as Count FROM FolderInfo WHERE bSharedOption = 1"),
-                        "Count");
+#include "vdstomgr/session/database_session.h"
+
+namespace vdstomgr::catalogue {
+
+namespace {
+
+/// What `count` answered when it was first asked in this process.
+template <class Count>
+int FirstAnswer(std::atomic<int>& kept, Count count) {
+  if (int none = -1; kept == none) kept.compare_exchange_strong(none, count());
+  return kept;
+}
+
+}  // namespace
+
+int FolderAttributes::GetAllSharedFolderCount() {
+  return m_db->AskInteger(0, "SELECT Count(*) as Count FROM FolderInfo WHERE bSharedOption = 1");
+}
+
+int FolderAttributes::GetAllSecureFolderCount() {
+  return m_db->AskInteger(0, "SELECT Count(*) as Count FROM FolderInfo WHERE bSecureFolder = 1");
+}
+
+int FolderAttributes::GetAllLimitedUpDownFolderCount() {
+  return m_db->AskInteger(0,
+                          "SELECT Count(*) as Count FROM FolderInfo WHERE nFolderUpDownType <> 3");
+}
+
+int FolderAttributes::GetAllUpOnlyFolderCount() {
+  return m_db->AskInteger(0,
+                          "SELECT Count(*) as Count FROM FolderInfo WHERE nFolderUpDownType = 2");
+}
+
+int FolderAttributes::SubFolderCountIsLargeForCheckFolderAuthorityEdit(DWORD id, bool recursive) {
+  static std::atomic<int> first_limit = -1;
+  return m_db->Guarded(0, [&] {
+    const int limit = FirstAnswer(first_limit, [&] {
+      return GetAllLimitedUpDownFolderCount() + GetAllSecureFolderCount() +
+             GetAllSharedFolderCount();
+    });
+    int count = 0;
+    return SubFolderCountIsLarge(id, count, limit, recursive);
   });
 }
 
-int CRkPhotoDBManager::GetAllSecureFolderCount() {
-  return Guarded(0, [&] {
-    return FirstInteger(Select("SELECT Count(*) as Count FROM FolderInfo WHERE bSecureFolder = 1"),
-                        "Count");
+int FolderAttributes::SubFolderCountIsLargeForCheckFolderAuthorityDownload(DWORD id,
+                                                                           bool recursive) {
+  static std::atomic<int> first_limit = -1;
+  return m_db->Guarded(0, [&] {
+    const int limit = FirstAnswer(first_limit, [&] {
+      return GetAllUpOnlyFolderCount() + GetAllSecureFolderCount() + GetAllSharedFolderCount();
+    });
+    int count = 0;
+    return SubFolderCountIsLarge(id, count, limit, recursive);
   });
 }
 
-int CRkPhotoDBManager::GetAllLimitedUpDownFolderCount() {
-  return Guarded(0, [&] {
-    return FirstInteger(
-        Select("SELECT Count(*) as Count FROM FolderInfo WHERE nFolderUpDownType <> 3"), "Count");
-  });
-}
-
-int CRkPhotoDBManager::GetAllUpOnlyFolderCount() {
-  return Guarded(0, [&] {
-    return FirstInteger(
-        Select("SELECT Count(*) as Count FROM FolderInfo WHERE nFolderUpDownType = 2"), "Count");
-  });
-}
+}  // namespace vdstomgr::catalogue

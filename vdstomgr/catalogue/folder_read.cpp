@@ -1,11 +1,10 @@
 #include <unordered_set>
 
-#include "vdstomgr/catalogue/folder_columns.h"
-#include "vdstomgr/catalogue/photo_db_manager.h"
+#include "vdstomgr/catalogue/folder_steps.h"
+#include "vdstomgr/catalogue/folders.h"
 #include "vdstomgr/records/fixed_text.h"
-#include "vdstomgr/records/folder_ids.h"
 
-using namespace vdstomgr;
+namespace vdstomgr::catalogue {
 
 namespace {
 
@@ -20,18 +19,17 @@ void ForgetLaterFields(FOLDERINFO& folder) {
   folder.nCommentCount = fresh.nCommentCount;
 }
 
-}  // namespace
-
-bool CRkPhotoDBManager::FindFolder(DWORD id, FOLDERINFO& folder) {
-  Rows rows = Select("SELECT * FROM FolderInfo WHERE dwFolderID = %d", id);
-  if (!rows.HasRow()) return false;
-  folder = ReadNamedFolder(rows->Recordset());
-  return true;
+/// Appends the rows of a query; what was appended before a failure counts.
+int AppendFolders(DatabaseSession& db, FolderArray& folders, auto select) {
+  db.Guarded([&] { FoldersOf(db).Append(select(), folders); });
+  return folders.GetSize();
 }
 
-bool CRkPhotoDBManager::GetFolderInfo(DWORD id, FOLDERINFO& folder) {
-  return Guarded(false, [&] {
-    if (!FindFolder(id, folder)) return false;
+}  // namespace
+
+bool Folders::GetFolderInfo(DWORD id, FOLDERINFO& folder) {
+  return m_db->Guarded(false, [&] {
+    if (!FoldersOf(*m_db).Find(id, folder)) return false;
     if (folder.nSpaceType == -1) {  // written back also when the root tells nothing
       folder.nSpaceType = SpaceTypeOfRoot(GetRootParentFolderID(id));
       SetFolderInfo(folder);
@@ -40,11 +38,11 @@ bool CRkPhotoDBManager::GetFolderInfo(DWORD id, FOLDERINFO& folder) {
   });
 }
 
-int CRkPhotoDBManager::GetFolderInfo(const CDWordArray& ids, FolderArray& folders) {
-  Guarded([&] {
+int Folders::GetFolderInfo(const CDWordArray& ids, FolderArray& folders) {
+  m_db->Guarded([&] {
     FOLDERINFO folder;
     for (const DWORD id : ids) {
-      if (!FindFolder(id, folder)) continue;
+      if (!FoldersOf(*m_db).Find(id, folder)) continue;
       ForgetLaterFields(folder);
       folders.Add(folder);
     }
@@ -52,60 +50,32 @@ int CRkPhotoDBManager::GetFolderInfo(const CDWordArray& ids, FolderArray& folder
   return folders.GetSize();
 }
 
-bool CRkPhotoDBManager::GetParentFolderInfo(DWORD id, FOLDERINFO& parent) {
-  return Guarded(false, [&] { return FindParent(id, parent); });
+bool Folders::GetParentFolderInfo(DWORD id, FOLDERINFO& parent) {
+  return m_db->Guarded(false, [&] { return FoldersOf(*m_db).FindParent(id, parent); });
 }
 
-bool CRkPhotoDBManager::FindParent(DWORD id, FOLDERINFO& parent) {
-  Rows rows = Select(
-      "SELECT dwParentID, dwFolderID, szFolderName FROM FolderInfo "
-      "WHERE dwFolderID = (SELECT dwParentID FROM FolderInfo WHERE dwFolderID = %d)",
-      id);
-  if (!rows.HasRow()) return false;
-  parent.dwParentID = rows->Id("dwParentID");
-  parent.dwFolderID = rows->Id("dwFolderID");
-  CopyToFixed(parent.szFolderName, rows->Text("szFolderName"));
-  FillRootName(parent);
-  return true;
+CString Folders::GetFolderName(DWORD id) {
+  return m_db->AskText("SELECT szFolderName FROM FolderInfo WHERE dwFolderID = %d", id);
 }
 
-CString CRkPhotoDBManager::GetFolderName(DWORD id) {
-  return Guarded(CString(), [&] {
-    return FirstText(Select("SELECT szFolderName FROM FolderInfo WHERE dwFolderID = %d", id),
-                     "szFolderName");
-  });
-}
-
-CString CRkPhotoDBManager::GetFolderDesc(DWORD id) {
+CString Folders::GetFolderDesc(DWORD id) {
   FOLDERINFO folder;
   return GetFolderInfo(id, folder) ? folder.szDesc : "";
 }
 
-DWORD CRkPhotoDBManager::GetParentFolderID(DWORD id) {
-  return Guarded(kNoFolder, [&] { return FindParentID(id); });
+DWORD Folders::GetParentFolderID(DWORD id) {
+  return m_db->Guarded(kNoFolder, [&] { return FoldersOf(*m_db).FindParentID(id); });
 }
 
-DWORD CRkPhotoDBManager::FindParentID(DWORD id) {
-  return FirstId(Select("SELECT dwParentID FROM FolderInfo WHERE dwFolderID = %d", id),
-                 "dwParentID");
+DWORD Folders::GetSubFolderID(DWORD parent, const char* name) {
+  return m_db->Guarded(kNoFolder, [&] { return FoldersOf(*m_db).FindSubFolder(parent, name); });
 }
 
-DWORD CRkPhotoDBManager::GetSubFolderID(DWORD parent, const char* name) {
-  return Guarded(kNoFolder, [&] { return FindSubFolder(parent, name); });
-}
-
-DWORD CRkPhotoDBManager::FindSubFolder(DWORD parent, const char* name) {
-  return FirstId(Select("SELECT dwFolderID FROM FolderInfo "
-                        "WHERE dwParentID = %d and szFolderName = '%s'",
-                        parent, Quoted(name)),
-                 "dwFolderID");
-}
-
-DWORD CRkPhotoDBManager::GetRootParentFolderID(DWORD id) {
-  return Guarded(kNoFolder, [&] {
+DWORD Folders::GetRootParentFolderID(DWORD id) {
+  return m_db->Guarded(kNoFolder, [&] {
     std::unordered_set<DWORD> visited;
     for (DWORD current = id; visited.insert(current).second;) {
-      const DWORD parent = FindParentID(current);
+      const DWORD parent = FoldersOf(*m_db).FindParentID(current);
       if (IsRootFolder(parent)) return parent;
       if (parent == kNoFolder) return current;
       current = parent;
@@ -114,70 +84,61 @@ DWORD CRkPhotoDBManager::GetRootParentFolderID(DWORD id) {
   });
 }
 
-DWORD CRkPhotoDBManager::GetFolderType(DWORD id) {
+DWORD Folders::GetFolderType(DWORD id) {
   FOLDERINFO folder;
   return GetFolderInfo(id, folder) ? static_cast<DWORD>(folder.nSpaceType) : kNoFolder;
 }
 
-DWORD CRkPhotoDBManager::GetFolderType(const char* path) {
+DWORD Folders::GetFolderType(const char* path) {
   if (path == nullptr) return kNoFolder;
   const DWORD id = GetFolderIDFromPath(path);
   return id == kNoFolder ? kNoFolder : GetFolderType(id);
 }
 
-bool CRkPhotoDBManager::FolderExistsInDB(DWORD id) {
-  return Guarded(false,
-                 [&] { return Exists("SELECT * FROM FolderInfo WHERE dwFolderID = %d", id); });
+bool Folders::FolderExistsInDB(DWORD id) {
+  return m_db->AskExists("SELECT * FROM FolderInfo WHERE dwFolderID = %d", id);
 }
 
-int CRkPhotoDBManager::GetFolderList(FolderArray& folders, DWORD parent) {
-  Guarded([&] {
-    AppendNamedFolders(
-        Select("SELECT * FROM FolderInfo WHERE dwParentID = %d ORDER BY szFolderName", parent),
-        folders);
-  });
-  return folders.GetSize();
+int Folders::GetFolderList(FolderArray& folders, DWORD parent) {
+  return AppendFolders(*m_db, folders,
+                       [&] { return FoldersOf(*m_db).SelectChildrenByName(parent); });
 }
 
-int CRkPhotoDBManager::GetFolderList(CDWordArray& ids, DWORD parent) {
-  Guarded([&] {
-    AppendIds(
-        Select("SELECT * FROM FolderInfo WHERE dwParentID = %d ORDER BY szFolderName", parent),
-        "dwFolderID", ids);
-  });
+int Folders::GetFolderList(CDWordArray& ids, DWORD parent) {
+  m_db->Guarded(
+      [&] { AppendRows(FoldersOf(*m_db).SelectChildrenByName(parent), ids, "dwFolderID"); });
   return ids.GetSize();
 }
 
-int CRkPhotoDBManager::GetSubFolderInfo(DWORD parent, FolderArray& folders) {
-  Guarded([&] {
-    AppendNamedFolders(Select("SELECT * FROM FolderInfo WHERE dwParentID = %d ", parent), folders);
+int Folders::GetSubFolderInfo(DWORD parent, FolderArray& folders) {
+  return AppendFolders(*m_db, folders, [&] {
+    return m_db->Select("SELECT * FROM FolderInfo WHERE dwParentID = %d ", parent);
   });
+}
+
+int Folders::GetSubFolderCountFromDB(DWORD parent) {
+  return m_db->AskInteger(0, "SELECT Count(*) as Count FROM FolderInfo WHERE dwParentID = %d",
+                          parent);
+}
+
+int Folders::GetAllFolderList(FolderArray& folders) {
+  return AppendFolders(*m_db, folders, [&] { return FoldersOf(*m_db).SelectAll(); });
+}
+
+int Folders::GetAllFolderListForSearch(FolderArray& folders) {
+  m_db->AskRecords(folders, kFolderColumns, "SELECT * FROM FolderInfo");
   return folders.GetSize();
 }
 
-int CRkPhotoDBManager::GetSubFolderCountFromDB(DWORD parent) {
-  return Guarded(0, [&] {
-    return FirstInteger(
-        Select("SELECT Count(*) as Count FROM FolderInfo WHERE dwParentID = %d", parent), "Count");
-  });
-}
-
-int CRkPhotoDBManager::GetAllFolderList(FolderArray& folders) {
-  Guarded([&] { AppendNamedFolders(Select("SELECT * FROM FolderInfo"), folders); });
-  return folders.GetSize();
-}
-
-int CRkPhotoDBManager::GetAllFolderListForSearch(FolderArray& folders) {
-  Guarded([&] {
-    for (Row& row : Select("SELECT * FROM FolderInfo")) folders.Add(ReadFolder(row.Recordset()));
-  });
-  return folders.GetSize();
-}
-
-int CRkPhotoDBManager::GetFolderInfoForTree(FolderMap& folders) {
-  Guarded([&] {
-    for (Row& row : Select("SELECT * FROM FolderInfo"))
-      folders.SetAt(row.Id("dwFolderID"), ReadNamedFolder(row.Recordset()));
-  });
+int Folders::GetFolderInfoForTree(FolderMap& folders) {
+  FolderArray all;
+  GetAllFolderList(all);
+  for (const FOLDERINFO& folder : all) folders.SetAt(folder.dwFolderID, folder);
   return folders.GetCount();
 }
+
+int Folders::GetFolderCount() {
+  return m_db->AskInteger(0, "SELECT COUNT(*) as nCount FROM FolderInfo");
+}
+
+}  // namespace vdstomgr::catalogue

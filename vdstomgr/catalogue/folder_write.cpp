@@ -1,32 +1,30 @@
-#include <algorithm>
 #include <utility>
 
-#include "vdstomgr/catalogue/folder_columns.h"
-#include "vdstomgr/catalogue/photo_db_manager.h"
-#include "vdstomgr/platform/message_parser/wqtp_parser.h"
+#include "vdstomgr/catalogue/folder_steps.h"
+#include "vdstomgr/catalogue/folders.h"
 #include "vdstomgr/platform/utility/utility_lib.h"
-#include "vdstomgr/records/folder_ids.h"
+#include "vdstomgr/session/stale_at_exit.h"
 
-using namespace vdstomgr;
+namespace vdstomgr::catalogue {
 
 namespace {
 
-/// Folders that are never deleted: the catalogue's own, and ids that stand for something else.
-constexpr DWORD kReservedFolders[] = {kPersonalRoot,  kNoFolder,     kPersonalTrash, kPublicRoot,
-                                      kPublicTrash,   kGuestRoot,    kGuestTrash,    FolderID(-250),
-                                      FolderID(-251), FolderID(-252)};
+void WriteFolder(DatabaseSession& db, const FOLDERINFO& folder, Write how) {
+  Rows rows = db.Select("SELECT * FROM FolderInfo WHERE dwFolderID = %d", folder.dwFolderID);
+  kFolderColumns.WriteRow(rows->Recordset(), folder, how);
+}
 
 }  // namespace
 
-bool CRkPhotoDBManager::AddFolder(DWORD dwFolderID, DWORD dwParentID, const char* szFolderName,
-                                  const char* szDesc, int nSpaceType, const char* szIconGUID,
-                                  const char* szIconURL, int nPhotoCount, bool bSystemFolder,
-                                  int nFolderUpDownType, int bAllowPreviewImage, int bSharedOption,
-                                  int bSecureFolder, const char* szGuestID,
-                                  const char* szFolderPassword, const char* szSecureFolderSetter,
-                                  std::int32_t szModifiedDate, std::int32_t szIModifiedDate,
-                                  int nCreatorSubIDType, const char* szCreatorSubID,
-                                  const char* szMemoID, int bAllowComment, int nCommentCount) {
+bool Folders::AddFolder(DWORD dwFolderID, DWORD dwParentID, const char* szFolderName,
+                        const char* szDesc, int nSpaceType, const char* szIconGUID,
+                        const char* szIconURL, int nPhotoCount, bool bSystemFolder,
+                        int nFolderUpDownType, int bAllowPreviewImage, int bSharedOption,
+                        int bSecureFolder, const char* szGuestID, const char* szFolderPassword,
+                        const char* szSecureFolderSetter, std::int32_t szModifiedDate,
+                        std::int32_t szIModifiedDate, int nCreatorSubIDType,
+                        const char* szCreatorSubID, const char* szMemoID, int bAllowComment,
+                        int nCommentCount) {
   FOLDERINFO folder;
   folder.dwFolderID = dwFolderID;
   folder.dwParentID = dwParentID;
@@ -53,105 +51,82 @@ bool CRkPhotoDBManager::AddFolder(DWORD dwFolderID, DWORD dwParentID, const char
       {"szCreatorSubID", szCreatorSubID},
       {"szMemoID", szMemoID},
       {"szSecureFolderSetter", szSecureFolderSetter}};
-  return ChangingFolders([&] {
-    Rows rows = Select("SELECT * FROM FolderInfo");
+  const StaleAtExit change(m_csDAO, m_bFolderChanged);
+  return m_db->Guarded(false, [&] {
+    Rows rows = m_db->Select("SELECT * FROM FolderInfo");
     CRkDaoRecordset& row = rows->Recordset();
     row.AddNew();
-    FillFolderRow(row, folder);
+    kFolderColumns.Fill(row, folder);
     for (const auto& [column, text] : texts) row.SetFieldValue(column, text);
     row.Update();
+    return true;
   });
 }
 
-bool CRkPhotoDBManager::AddFolder(const FolderArray& folders, bool) {
-  return ChangingFolders([&] {
-    Rows rows = Select("SELECT * FROM FolderInfo");
-    for (const FOLDERINFO& folder : folders) AddFolderRow(rows->Recordset(), folder);
+bool Folders::AddFolder(const FolderArray& folders, bool) {
+  const StaleAtExit change(m_csDAO, m_bFolderChanged);
+  return m_db->AddRecords(folders, kFolderColumns, "SELECT * FROM FolderInfo");
+}
+
+// Whether there was a row to leave or to rewrite does not count: true unless writing failed.
+bool Folders::AddFolderInfo(const FOLDERINFO& folder) {
+  const StaleAtExit change(m_csDAO, m_bFolderChanged);
+  return m_db->Guarded(false, [&] {
+    WriteFolder(*m_db, folder, Write::AddOnly);
+    return true;
   });
 }
 
-bool CRkPhotoDBManager::AddFolderInfo(const FOLDERINFO& folder) {
-  return ChangingFolders([&] { WriteFolder(folder, Write::AddOnly); });
-}
-
-bool CRkPhotoDBManager::SetFolderInfo(const FOLDERINFO& folder) {
-  return ChangingFolders([&] { WriteFolder(folder, Write::EditOnly); });
-}
-
-bool CRkPhotoDBManager::SetFolderInfo(const FolderArray& folders, int) {
-  return ChangingFolders([&] {
-    for (const FOLDERINFO& folder : folders) WriteFolder(folder, Write::AddOrEdit);
+bool Folders::SetFolderInfo(const FOLDERINFO& folder) {
+  const StaleAtExit change(m_csDAO, m_bFolderChanged);
+  return m_db->Guarded(false, [&] {
+    WriteFolder(*m_db, folder, Write::EditOnly);
+    return true;
   });
 }
 
-void CRkPhotoDBManager::WriteFolder(const FOLDERINFO& folder, Write how) {
-  Rows rows = Select("SELECT * FROM FolderInfo WHERE dwFolderID = %d", folder.dwFolderID);
-  if (rows.HasRow()) {
-    if (how != Write::AddOnly) EditFolderRow(rows->Recordset(), folder);
-  } else {
-    if (how != Write::EditOnly) AddFolderRow(rows->Recordset(), folder);
-  }
+bool Folders::SetFolderInfo(const FolderArray& folders, int) {
+  const StaleAtExit change(m_csDAO, m_bFolderChanged);
+  return m_db->ForEach(
+      folders, [&](const FOLDERINFO& folder) { WriteFolder(*m_db, folder, Write::AddOrEdit); });
 }
 
-bool CRkPhotoDBManager::RenameFolder(DWORD id, const char* name, const char* desc) {
-  return ChangingFolders([&] {
-    Run("UPDATE FolderInfo SET szFolderName = '%s', szDesc = '%s' WHERE dwFolderID = %d",
-        Quoted(name), Quoted(desc), id);
-  });
+bool Folders::RenameFolder(DWORD id, const char* name, const char* desc) {
+  const StaleAtExit change(m_csDAO, m_bFolderChanged);
+  return m_db->Execute(
+      "UPDATE FolderInfo SET szFolderName = '%s', szDesc = '%s' WHERE dwFolderID = %d", name, desc,
+      id);
 }
 
-bool CRkPhotoDBManager::UpdateFolderModifiedDate(DWORD id, std::int32_t time) {
-  return ChangingFolders([&] {
-    Run("UPDATE FolderInfo SET szModifiedDate = '%s' WHERE dwFolderID = %d",
-        CUtilityLib::ConvertTimeForDB(time), id);
-  });
+bool Folders::UpdateFolderModifiedDate(DWORD id, std::int32_t time) {
+  const StaleAtExit change(m_csDAO, m_bFolderChanged);
+  return m_db->Execute("UPDATE FolderInfo SET szModifiedDate = '%s' WHERE dwFolderID = %d",
+                       CUtilityLib::ConvertTimeForDB(time), id);
 }
 
-bool CRkPhotoDBManager::UpdateFolderIModifiedDate(DWORD id, std::int32_t time) {
-  return ChangingFolders([&] {
-    Run("UPDATE FolderInfo SET szIModifiedDate = '%s' WHERE dwFolderID = %d",
-        CUtilityLib::ConvertTimeForDB(time), id);
-  });
+bool Folders::UpdateFolderIModifiedDate(DWORD id, std::int32_t time) {
+  const StaleAtExit change(m_csDAO, m_bFolderChanged);
+  return m_db->Execute("UPDATE FolderInfo SET szIModifiedDate = '%s' WHERE dwFolderID = %d",
+                       CUtilityLib::ConvertTimeForDB(time), id);
 }
 
-bool CRkPhotoDBManager::MoveFolder(DWORD id, DWORD new_parent) {
+bool Folders::MoveFolder(DWORD id, DWORD new_parent) {
   return MoveFolder(CDWordArray{id}, new_parent);
 }
 
-bool CRkPhotoDBManager::MoveFolder(const CDWordArray& ids, DWORD new_parent) {
-  return ChangingFolders([&] {
-    for (const DWORD id : ids)
-      Run("UPDATE FolderInfo SET dwParentID = %d WHERE dwFolderID = %d", new_parent, id);
-  });
+bool Folders::MoveFolder(const CDWordArray& ids, DWORD new_parent) {
+  const StaleAtExit change(m_csDAO, m_bFolderChanged);
+  return m_db->ExecuteForEach(ids, "UPDATE FolderInfo SET dwParentID = %d WHERE dwFolderID = %d",
+                              new_parent, kEachId);
 }
 
-bool CRkPhotoDBManager::DeleteFolder(DWORD id) {
-  const bool reserved = std::ranges::find(kReservedFolders, id) != std::end(kReservedFolders);
-  return reserved || DeleteFoldersAndRelations(CDWordArray{id}, true, nullptr);
-}
-
-bool CRkPhotoDBManager::DeleteFolderInfo(DWORD id) {
+bool Folders::DeleteFolderInfo(DWORD id) {
   return DeleteFolderInfo(CDWordArray{id});
 }
 
-bool CRkPhotoDBManager::DeleteFolderInfo(const CDWordArray& ids) {
-  return ChangingFolders([&] {
-    for (const DWORD id : ids) Run("DELETE FROM FolderInfo WHERE dwFolderID = %d", id);
-  });
+bool Folders::DeleteFolderInfo(const CDWordArray& ids) {
+  const StaleAtExit change(m_csDAO, m_bFolderChanged);
+  return m_db->ExecuteForEach(ids, "DELETE FROM FolderInfo WHERE dwFolderID = %d", kEachId);
 }
 
-// Tags, albums, paths and queues of the deleted photos stay, on purpose.
-bool CRkPhotoDBManager::DeleteFoldersAndRelations(const CDWordArray& ids, bool delete_folders,
-                                                  CRkCallback progress) {
-  if (ids.IsEmpty()) return true;
-  return ChangingFolders([&] {
-    const CWQTPParser parser("quillora", "TqUploadMgr", "remove");
-    const auto count = static_cast<DWORD>(ids.GetSize());
-    for (DWORD i = 0; i < count; ++i) {
-      const DWORD id = ids[static_cast<int>(i)];
-      Run("DELETE FROM PhotoMaster WHERE dwFolderID = %d", id);
-      if (delete_folders) Run("DELETE FROM FolderInfo WHERE dwFolderID = %d", id);
-      progress.SetProgress(i, count, nullptr, false);
-    }
-  });
-}
+}  // namespace vdstomgr::catalogue

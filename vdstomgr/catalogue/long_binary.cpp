@@ -1,10 +1,13 @@
 #include <algorithm>
 #include <limits>
 
-#include "vdstomgr/catalogue/photo_db_manager.h"
+#include "vdstomgr/catalogue/session.h"
+#include "vdstomgr/platform/dao/ole_variant.h"
 #include "vdstomgr/platform/utility/file_ex.h"
 
-bool CRkPhotoDBManager::cLoadFileData(const char* path, CLongBinary& holder) {
+namespace vdstomgr::catalogue {
+
+bool Session::cLoadFileData(const char* path, CLongBinary& holder) {
   CFileEx file;
   if (!file.Open(path) || file.GetLength() > std::numeric_limits<DWORD>::max()) return false;
   const auto size = static_cast<DWORD>(file.GetLength());
@@ -14,7 +17,7 @@ bool CRkPhotoDBManager::cLoadFileData(const char* path, CLongBinary& holder) {
   return true;
 }
 
-bool CRkPhotoDBManager::cGetLongBinary(const COleVariant& value, CLongBinary& holder) {
+bool Session::cGetLongBinary(const COleVariant& value, CLongBinary& holder) {
   if (value.vt != VT_BYTES) return false;
   auto block = std::make_shared<BYTE[]>(value.bytes.size());
   std::ranges::copy(value.bytes, block.get());
@@ -22,8 +25,10 @@ bool CRkPhotoDBManager::cGetLongBinary(const COleVariant& value, CLongBinary& ho
   return true;
 }
 
-bool CRkPhotoDBManager::cGetLongBinary(const COleVariant& value, CBinData& data) {
+bool Session::cGetLongBinary(const COleVariant& value, CBinData& data) {
   if (value.vt != VT_BYTES) return false;
   data.SetData(value.bytes.data(), static_cast<DWORD>(value.bytes.size()));
   return true;
 }
+
+}  // namespace vdstomgr::catalogue

@@ -1,94 +1,64 @@
-#include "vdstomgr/catalogue/photo_db_manager.h"
+#include "vdstomgr/catalogue/session.h"
+
 #include "vdstomgr/platform/dao/dao_error.h"
 #include "vdstomgr/platform/dao/engine.h"
 #include "vdstomgr/platform/text/code_page.h"
 #include "vdstomgr/records/folder_ids.h"
+#include "vdstomgr/session/database_file.h"
+#include "vdstomgr/tables/catalogue_schema.h"
 
-using namespace vdstomgr;
+namespace vdstomgr::catalogue {
 
-namespace {
-
-constexpr std::size_t kMaxPasswordBytes = 20;
-constexpr char kLocale[] = ";LANGID=0x0409;CP=1252;COUNTRY=0";
-
-CString CutPassword(const char* password) {
-  return CutToBytes(ViewOf(password), kMaxPasswordBytes);
-}
-
-}  // namespace
-
-CRkPhotoDBManager::CRkPhotoDBManager() {
+Session::Session() {
   InitializeCriticalSection(&m_csDAO);
-  SetLock(&m_csDAO);
+  m_db->SetLock(&m_csDAO);
 }
 
-CRkPhotoDBManager::~CRkPhotoDBManager() {
+Session::~Session() {
   CloseDB();
-  DeleteSubFolders(m_mapSubFolderDef);
   DeleteCriticalSection(&m_csDAO);
 }
 
-bool CRkPhotoDBManager::CreateDB(const char* path, const char* password) {
-  return GuardedOutsideCommit(false, [&] {
+bool Session::CreateDB(const char* path, const char* password) {
+  return m_db->GuardedOutsideCommit(false, [&] {
     if (m_bOpen) dao::Throw(dao::Error::InvalidOperation);
     cSetDBName(path);
-    const std::string file = ToUtf8(m_strDBName);
-    dao::DeleteDatabase(file);
-    m_db.Create(m_strDBName, kLocale, dbVersion40);
-    try {
-      if (const CString cut = CutPassword(password); !cut.IsEmpty()) m_db.NewPassword("", cut);
-      InOneCommit(m_db, [&] { CreateSchema(); });
-      m_db.Close();
-    } catch (...) {
-      CloseQuietly();
-      dao::DeleteDatabase(file);
-      throw;
-    }
+    CreateDatabaseFile(*m_db, m_strDBName, password, [&] {
+      CreateCatalogueTables(m_db->Database());
+      InitFieldData(m_db->Database());
+    });
     return true;
   });
 }
 
-bool CRkPhotoDBManager::OpenDB(const char* path, const char* password) {
-  return GuardedOutsideCommit(false, [&] {
-    if (m_bOpen) return false;
+bool Session::OpenDB(const char* path, const char* password) {
+  if (m_bOpen) return false;
+  return m_db->GuardedOutsideCommit(false, [&] {
+    if (m_bOpen) return false;  // by another thread meanwhile
     m_strOpenPath = path;
-    m_strOpenPassword = CutPassword(password);
+    m_strOpenPassword = password;
     cSetDBName(path);
-    m_db.Open(m_strDBName, false, false, ";PWD=" + m_strOpenPassword);
-    try {
-      InOneCommit(m_db, [&] { RestoreRootNames(); });
-    } catch (...) {
-      CloseQuietly();
-      throw;
-    }
-    return m_bOpen = true;
-  });
-}
-
-void CRkPhotoDBManager::CloseQuietly() {
-  try {
-    m_db.Close();
-  } catch (const std::exception&) {  // an earlier failure is the one to be told
-  }
-}
-
-void CRkPhotoDBManager::RestoreRootNames() {
-  for (const DWORD root : {kPersonalRoot, kPublicRoot, kGuestRoot})
-    Run("UPDATE FolderInfo SET szFolderName = '%s' WHERE dwFolderID = %d", RootFolderName(root),
-        root);
-  m_nFolderChanged = 1;
-}
-
-bool CRkPhotoDBManager::CloseDB() {
-  return GuardedOutsideCommit(false, [&] {
-    m_bOpen = false;
-    m_db.Close();
+    OpenDatabaseFile(*m_db, m_strDBName, m_strOpenPassword, [&] {
+      for (const DWORD root : {kPersonalRoot, kPublicRoot, kGuestRoot})
+        m_db->Run("UPDATE FolderInfo SET szFolderName = '%s' WHERE dwFolderID = %d",
+                  RootFolderName(root), root);
+    });
+    m_bFolderChanged = true;
+    m_bOpen = true;
     return true;
   });
 }
 
-bool CRkPhotoDBManager::RefreshDB() {
-  return GuardedOutsideCommit(false, [&] {
+bool Session::CloseDB() {
+  return m_db->GuardedOutsideCommit(false, [&] {
+    m_bOpen = false;
+    m_db->Database().Close();
+    return true;
+  });
+}
+
+bool Session::RefreshDB() {
+  return m_db->GuardedOutsideCommit(false, [&] {
     const CString path = m_strOpenPath;
     const CString password = m_strOpenPassword;
     CloseDB();
@@ -97,16 +67,27 @@ bool CRkPhotoDBManager::RefreshDB() {
   });
 }
 
-void CRkPhotoDBManager::DeleteDB(const char* path) {
-  GuardedOutsideCommit(false, [&] {
+void Session::DeleteDB(const char* path) {
+  m_db->GuardedOutsideCommit(false, [&] {
     cSetDBName(path);
     const bool in_use = m_bOpen && m_strDBName == m_strOpenPath;
     return !in_use && dao::DeleteDatabase(ToUtf8(m_strDBName));
   });
 }
 
-CString CRkPhotoDBManager::cToDBString(const char* text) const {
+void Session::InitFieldData() {
+  m_db->Guarded([&] { InitFieldData(m_db->Database()); });
+}
+
+void Session::InitFieldData(CRkDaoDatabase& database) {
+  InsertFirstRows(database);
+  m_bFolderChanged = true;
+}
+
+CString Session::cToDBString(const char* text) const {
   std::string quoted;
   AppendQuoted(quoted, ViewOf(text));
   return quoted;
 }
+
+}  // namespace vdstomgr::catalogue

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 
 #include "vdstomgr/platform/export.h"
 #include "vdstomgr/platform/framework/cstring.h"
@@ -25,6 +27,15 @@ inline constexpr DWORD kGuestTrash = FolderID(-22);
 
 constexpr bool IsRootFolder(DWORD id) {
   return id == kPersonalRoot || id == kPublicRoot || id == kGuestRoot;
+}
+
+/// Is it one of the catalogue's own folders, or an id that stands for something else? Such a folder
+/// is never deleted.
+constexpr bool IsReservedFolder(DWORD id) {
+  constexpr DWORD kReserved[] = {kPersonalRoot,  kNoFolder,     kPersonalTrash, kPublicRoot,
+                                 kPublicTrash,   kGuestRoot,    kGuestTrash,    FolderID(-250),
+                                 FolderID(-251), FolderID(-252)};
+  return std::ranges::find(kReserved, id) != std::end(kReserved);
 }
 
 /// The space a root stands for: 0 personal, 1 public, 2 guest; -1 for any other folder.

@@ -4,10 +4,9 @@
 #include <limits>
 
 #include "vdstomgr/records/fixed_text.h"
+#include "vdstomgr/records/record_rules.h"
 
 namespace {
-
-constexpr WORD kPlaceholderSide = 400;
 
 int Scaled(int length, double ratio) {
   using Limits = std::numeric_limits<int>;
@@ -22,8 +21,7 @@ int Centred(int start, int available, int used) {
 
 void PHOTOINFO::SetLTBURL(const char* text) {
   m_LTBURL.Assign(text);
-  byteNoLTB = m_LTBURL.IsEmpty();
-  if (byteNoLTB) Width = Height = kPlaceholderSide;
+  vdstomgr::MarkThumbnail(*this, !m_LTBURL.IsEmpty());
 }
 
 void PHOTOINFO::SetGUID(const char* guid) {
@@ -31,9 +29,7 @@ void PHOTOINFO::SetGUID(const char* guid) {
 }
 
 void PHOTOINFO::SetWidthHeight(int cx, int cy) {
-  if (byteNoLTB) return;
-  Width = static_cast<WORD>(cx);
-  Height = static_cast<WORD>(cy);
+  vdstomgr::SetSizeUnlessPlaceholder(*this, cx, cy);
 }
 
 void PHOTOINFO::SetFlag(int bit, bool on) {

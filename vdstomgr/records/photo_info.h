@@ -7,6 +7,7 @@
 #include "vdstomgr/platform/framework/geometry.h"
 #include "vdstomgr/platform/framework/types.h"
 #include "vdstomgr/records/owned_text.h"
+#include "vdstomgr/records/record_rules.h"
 
 /// One photo of the catalogue: a row of PhotoMaster. A plain value; starts all zero and empty,
 /// copies own their texts. Texts are in the process's code page; getters never return null.
@@ -117,11 +118,11 @@ struct VDSTO_API PHOTOINFO {
   void SetLinkDownloadCount(int count) { LinkDownloadCount = count; }
 
   /// Times are seconds since 1970; -1 (no time) is kept as 0.
-  void SetShootDate(std::int32_t time) { ShootDate = TimeOrZero(time); }
-  void SetRegDate(std::int32_t time) { RegDate = TimeOrZero(time); }
-  void SetUserModify(std::int32_t time) { UserModify = TimeOrZero(time); }
-  void SetExifShootDate(std::int32_t time) { ExifShootDate = TimeOrZero(time); }
-  void SetLockTime(std::int32_t time) { LockTime = TimeOrZero(time); }
+  void SetShootDate(std::int32_t time) { ShootDate = vdstomgr::TimeOrZero(time); }
+  void SetRegDate(std::int32_t time) { RegDate = vdstomgr::TimeOrZero(time); }
+  void SetUserModify(std::int32_t time) { UserModify = vdstomgr::TimeOrZero(time); }
+  void SetExifShootDate(std::int32_t time) { ExifShootDate = vdstomgr::TimeOrZero(time); }
+  void SetLockTime(std::int32_t time) { LockTime = vdstomgr::TimeOrZero(time); }
   void SetLastWriteTime(DWORD low, DWORD high) { LastWriteTimeLow = low, LastWriteTimeHigh = high; }
 
   /// Ignored while byteNoLTB is 1, so that the placeholder keeps its size.
@@ -140,8 +141,6 @@ struct VDSTO_API PHOTOINFO {
   CRect GetImageRectInArea(CRect area, bool unused) const;
 
  private:
-  static std::int32_t TimeOrZero(std::int32_t time) { return time == -1 ? 0 : time; }
-
   vdstomgr::OwnedText m_FileName;
   vdstomgr::OwnedText m_LTBURL;
   vdstomgr::OwnedText m_RPURL;

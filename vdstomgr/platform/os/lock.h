@@ -1,26 +1,30 @@
 #pragma once
 
 #include "vdstomgr/platform/framework/types.h"
+#include "vdstomgr/platform/os/thread_safety.h"
 
 #if !defined(_WIN32)
 #include <mutex>
 
 /// A recursive lock, usable from construction on. (On Windows it is the system's own, which needs
 /// InitializeCriticalSection first and DeleteCriticalSection last; here the two do nothing.)
-struct CRITICAL_SECTION {
+struct VDSTO_CAPABILITY CRITICAL_SECTION {
   std::recursive_mutex mutex;
 };
 
 inline void InitializeCriticalSection(CRITICAL_SECTION*) {}
 inline void DeleteCriticalSection(CRITICAL_SECTION*) {}
-inline void EnterCriticalSection(CRITICAL_SECTION* section) {
+inline void EnterCriticalSection(CRITICAL_SECTION* section)
+    VDSTO_ACQUIRE(section) VDSTO_NO_THREAD_SAFETY {
   section->mutex.lock();
 }
-inline void LeaveCriticalSection(CRITICAL_SECTION* section) {
+inline void LeaveCriticalSection(CRITICAL_SECTION* section)
+    VDSTO_RELEASE(section) VDSTO_NO_THREAD_SAFETY {
   section->mutex.unlock();
 }
 /// FALSE when another thread holds the lock; the calling thread always gets what it holds already.
-inline BOOL TryEnterCriticalSection(CRITICAL_SECTION* section) {
+inline BOOL TryEnterCriticalSection(CRITICAL_SECTION* section)
+    VDSTO_TRY_ACQUIRE(TRUE, section) VDSTO_NO_THREAD_SAFETY {
   return section->mutex.try_lock() ? TRUE : FALSE;
 }
 #endif
@@ -28,12 +32,12 @@ inline BOOL TryEnterCriticalSection(CRITICAL_SECTION* section) {
 namespace vdstomgr {
 
 /// Holds a CRITICAL_SECTION from construction to the end of the scope.
-class [[nodiscard]] ScopedLock {
+class [[nodiscard]] VDSTO_SCOPED_CAPABILITY ScopedLock {
  public:
-  explicit ScopedLock(CRITICAL_SECTION& section) : section_(section) {
+  explicit ScopedLock(CRITICAL_SECTION& section) VDSTO_ACQUIRE(section) : section_(section) {
     EnterCriticalSection(&section_);
   }
-  ~ScopedLock() { LeaveCriticalSection(&section_); }
+  ~ScopedLock() VDSTO_RELEASE() { LeaveCriticalSection(&section_); }
   ScopedLock(const ScopedLock&) = delete;
   ScopedLock& operator=(const ScopedLock&) = delete;
 
@@ -42,7 +46,7 @@ class [[nodiscard]] ScopedLock {
 };
 
 /// A CRITICAL_SECTION that is ready for use as long as it lives.
-class RecursiveLock {
+class VDSTO_CAPABILITY RecursiveLock {
  public:
   RecursiveLock() { InitializeCriticalSection(&section_); }
   ~RecursiveLock() { DeleteCriticalSection(&section_); }
@@ -50,8 +54,8 @@ class RecursiveLock {
   RecursiveLock& operator=(const RecursiveLock&) = delete;
 
   operator CRITICAL_SECTION&() { return section_; }
-  void Enter() { EnterCriticalSection(&section_); }
-  void Leave() { LeaveCriticalSection(&section_); }
+  void Enter() VDSTO_ACQUIRE() VDSTO_NO_THREAD_SAFETY { EnterCriticalSection(&section_); }
+  void Leave() VDSTO_RELEASE() VDSTO_NO_THREAD_SAFETY { LeaveCriticalSection(&section_); }
 
  private:
   CRITICAL_SECTION section_;

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "vdstomgr/catalogue/rooms.h"
+
+namespace vdstomgr::catalogue {
+
+/// Deleting folders and photos together with what hangs on them.
+class VDSTO_API Deletion : public Rooms {
+ public:
+  /// Deletes the folder with its photos, not its sub-folders. The catalogue's own folders stay.
+  bool DeleteFolder(DWORD id);
+  /// Deletes the photos of the folders, and with `delete_folders` the folders; `progress` is told
+  /// (index, count, null, false) after each, with the lock held.
+  bool DeleteFoldersAndRelations(const CDWordArray& ids, bool delete_folders, CRkCallback progress);
+};
+
+}  // namespace vdstomgr::catalogue

@@ -1,0 +1,3 @@
+#include "vdstomgr/catalogue/photo_db_manager.h"
+
+CRkPhotoDBManager::~CRkPhotoDBManager() = default;
