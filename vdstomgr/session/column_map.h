@@ -6,6 +6,7 @@
 #include <string>
 
 #include "vdstomgr/platform/dao/dao_recordset.h"
+#include "vdstomgr/platform/dao/engine.h"
 #include "vdstomgr/session/column_text.h"
 
 namespace vdstomgr {

@@ -1,5 +1,6 @@
 #include "vdstomgr/session/rows.h"
 
+#include "vdstomgr/platform/dao/engine.h"
 #include "vdstomgr/platform/text/code_page.h"
 #include "vdstomgr/session/column_text.h"
 

@@ -51,7 +51,8 @@ class VDSTO_API CDaoDatabase {
   void BeginGroup();
   void EndGroup();
 
-  /// The engine's connection. Throws 3420 when the database is not open.
+  /// For the library, which includes engine.h: the engine's connection. Throws 3420 when the
+  /// database is not open.
   vdstomgr::dao::Connection& Connection();
 
  private:

@@ -5,6 +5,7 @@
 
 #include "vdstomgr/platform/dao/dao_database.h"
 #include "vdstomgr/platform/dao/dao_error.h"
+#include "vdstomgr/platform/dao/engine.h"
 #include "vdstomgr/platform/text/code_page.h"
 
 using namespace vdstomgr;
@@ -84,6 +85,7 @@ void KeepChanges(dao::Query& query, dao::RowDraft& draft) {
 
 }  // namespace
 
+CDaoRecordset::CDaoRecordset(CDaoDatabase* database) : m_pDatabase(database) {}
 CDaoRecordset::~CDaoRecordset() = default;
 
 void CDaoRecordset::Open(int, const char* sql, int) {
@@ -143,7 +145,8 @@ void CDaoRecordset::Edit() {
 
 void CDaoRecordset::StartEdit(EditMode mode) {
   if (!Query().IsUpdatable()) Throw(Error::ReadOnly);
-  m_draft.Start(Query().Columns().Count());
+  if (!m_pDraft) m_pDraft = std::make_unique<dao::RowDraft>();
+  m_pDraft->Start(Query().Columns().Count());
   m_editMode = mode;
 }
 
@@ -188,5 +191,5 @@ dao::Query& CDaoRecordset::Query() {
 
 dao::RowDraft& CDaoRecordset::Draft() {
   if (m_editMode == EditMode::None) Throw(Error::NoEditMode);
-  return m_draft;
+  return *m_pDraft;
 }

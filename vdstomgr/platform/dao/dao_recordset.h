@@ -1,13 +1,16 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
 
-#include "vdstomgr/platform/dao/engine.h"
 #include "vdstomgr/platform/dao/ole_variant.h"
 #include "vdstomgr/platform/export.h"
 
 class CDaoDatabase;
+
+namespace vdstomgr::dao {
+class Query;
+struct RowDraft;
+}  // namespace vdstomgr::dao
 
 /// The open type of a recordset that can be walked and written.
 inline constexpr int dbOpenDynaset = 2;
@@ -18,7 +21,7 @@ class VDSTO_API CDaoRecordset {
  public:
   enum class EditMode { None, Edit, Add };
 
-  explicit CDaoRecordset(CDaoDatabase* database) : m_pDatabase(database) {}
+  explicit CDaoRecordset(CDaoDatabase* database);
   virtual ~CDaoRecordset();
   CDaoRecordset(const CDaoRecordset&) = delete;
   CDaoRecordset& operator=(const CDaoRecordset&) = delete;
@@ -52,7 +55,8 @@ class VDSTO_API CDaoRecordset {
   void Delete();
   EditMode GetEditMode() const { return m_editMode; }
 
-  /// For record maps: the query itself, and the draft of the pending add or edit.
+  /// For the library's record maps, which include engine.h: the query itself, and the draft of the
+  /// pending add or edit. Throw 3420 and 3020 when there is none.
   vdstomgr::dao::Query& Query();
   vdstomgr::dao::RowDraft& Draft();
 
@@ -61,6 +65,6 @@ class VDSTO_API CDaoRecordset {
 
   CDaoDatabase* m_pDatabase;
   std::unique_ptr<vdstomgr::dao::Query> m_pQuery;
-  vdstomgr::dao::RowDraft m_draft;
+  std::unique_ptr<vdstomgr::dao::RowDraft> m_pDraft;  // made by the first add or edit, then reused
   EditMode m_editMode = EditMode::None;
 };

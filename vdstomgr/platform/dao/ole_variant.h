@@ -2,10 +2,8 @@
 
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <vector>
 
-#include "vdstomgr/platform/dao/value.h"
 #include "vdstomgr/platform/export.h"
 #include "vdstomgr/platform/framework/cstring.h"
 #include "vdstomgr/platform/framework/types.h"
