@@ -79,6 +79,21 @@ def check_circles():
         visit(name)
 
 
+def check_interface():
+    """What hosts include declares no function that they cannot link."""
+    headers, waiting = set(), [PUBLIC]
+    while waiting:
+        name = waiting.pop()
+        if name not in headers:
+            headers.add(name)
+            waiting += includes(pathlib.Path(name))
+    for name in sorted(headers):
+        text = re.sub(r"//[^\n]*", "", pathlib.Path(name).read_text())
+        for declaration in re.findall(r"(?:^|\n\n?)([a-z][^\n;{}()]*\([^;{}]*\);)", text):
+            if not re.match(r"(inline|constexpr|template|static_assert|using|typedef)\b", declaration):
+                faults.append(f"{name}: hosts cannot link {' '.join(declaration.split())}")
+
+
 def check_sizes(path):
     lines = path.read_text().splitlines()
     limit = HEADER_LINES if path.suffix == ".h" else SOURCE_LINES
@@ -97,6 +112,7 @@ def check_sizes(path):
 
 check_rooms()
 check_circles()
+check_interface()
 for source in files("vdstomgr") + files("tools"):
     check_sizes(source)
 for fault in faults:

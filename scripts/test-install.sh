@@ -29,6 +29,14 @@ cd "$work"
 for program in build/consumer ./by-pkg-config; do
   [ "$("$program")" = "바다.jpg" ] || { echo "test-install: $program does not answer" >&2; exit 1; }
 done
+# What is installed is the interface, all of it and nothing else, as the compiler sees it.
+installed_headers=$(cd installed/include && find vdstomgr -name '*.h' | sort)
+included_headers=$(echo '#include <vdstomgr/vdstomgr.h>' | c++ -std=c++20 -MM -x c++ -Iinstalled/include - |
+  tr -d '\\' | tr ' ' '\n' | sed -n 's#^installed/include/##p' | sort)
+if ! diff <(echo "$installed_headers") <(echo "$included_headers"); then
+  echo "test-install: the installed headers are not what vdstomgr.h includes" >&2
+  exit 1
+fi
 # A host must not meet the engine: neither its headers nor its symbols.
 if grep -rlE '#include <(sqlite3|windows|unistd)\.h>' installed/include | grep -v framework/types.h; then
   echo "test-install: an installed header includes the engine or the system" >&2

@@ -11,7 +11,7 @@
 #include <iterator>
 
 #include "vdstomgr/platform/os/file.h"
-#include "vdstomgr/platform/report/report.h"
+#include "vdstomgr/platform/report/hooks.h"
 
 namespace fuzz {
 namespace {

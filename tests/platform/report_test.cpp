@@ -1,3 +1,4 @@
+#include "vdstomgr/platform/report/hooks.h"
 #include "vdstomgr/platform/report/report.h"
 
 #include <gtest/gtest.h>

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "vdstomgr/platform/os/file.h"
-#include "vdstomgr/platform/report/report.h"
+#include "vdstomgr/platform/report/hooks.h"
 
 /// A test with a folder of its own that collects what the library reports.
 class StorageTest : public testing::Test {

@@ -1,5 +1,7 @@
 #include "vdstomgr/platform/report/report.h"
 
+#include "vdstomgr/platform/report/hooks.h"
+
 #include <atomic>
 #include <cstdio>
 #include <memory>

@@ -17,21 +17,21 @@ VDSTO_API TextCodePage GetTextCodePage();
 
 /// Text in the process's code page as valid UTF-8. A byte that is no character, and a double-byte
 /// character that the code page leaves open, become U+FFFD.
-std::string ToUtf8(std::string_view process_text);
+VDSTO_API std::string ToUtf8(std::string_view process_text);
 /// As ToUtf8, added at the end of `out`, which must not be what is converted.
-void AppendUtf8(std::string_view process_text, std::string& out);
+VDSTO_API void AppendUtf8(std::string_view process_text, std::string& out);
 
 /// UTF-8 as text in the process's code page. Under korean949 a character outside the code page and
 /// an invalid byte become '?'; under utf8 an invalid byte becomes U+FFFD.
-std::string FromUtf8(std::string_view utf8);
+VDSTO_API std::string FromUtf8(std::string_view utf8);
 /// As FromUtf8, added at the end of `out`, which must not be what is converted.
-void AppendFromUtf8(std::string_view utf8, std::string& out);
+VDSTO_API void AppendFromUtf8(std::string_view utf8, std::string& out);
 
 /// The size in bytes of the first character of a text in the process's code page that is not empty.
-std::size_t CharacterBytes(std::string_view process_text);
+VDSTO_API std::size_t CharacterBytes(std::string_view process_text);
 
 /// The longest start of the text that has at most `max_bytes` bytes and ends between two
 /// characters.
-std::string_view CutToBytes(std::string_view process_text, std::size_t max_bytes);
+VDSTO_API std::string_view CutToBytes(std::string_view process_text, std::size_t max_bytes);
 
 }  // namespace vdstomgr
