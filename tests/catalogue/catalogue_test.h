@@ -23,8 +23,8 @@ class OpenCatalogue : public CRkPhotoDBManager {
   using CRkPhotoDBManager::cGetSubFolder;
   using CRkPhotoDBManager::cLoadFileData;
   using CRkPhotoDBManager::cToDBString;
-  using CRkPhotoDBManager::m_mapSubFolderDef;
   using CRkPhotoDBManager::m_db;
+  using CRkPhotoDBManager::m_mapSubFolderDef;
 };
 
 /// A folder of its own for every test, a new open catalogue in it, and the database errors

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "vdstomgr/catalogue/rooms.h"
+#include "vdstomgr/catalogue/notifications.h"
 
 namespace vdstomgr::catalogue {
 
 /// Deleting folders and photos together with what hangs on them.
-class VDSTO_API Deletion : public Rooms {
+class VDSTO_API Deletion : public Notifications {
  public:
   /// Deletes the folder with its photos, not its sub-folders. The catalogue's own folders stay.
   bool DeleteFolder(DWORD id);

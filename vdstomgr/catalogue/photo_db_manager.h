@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vdstomgr/catalogue/deletion.h"
+#include "vdstomgr/catalogue/resets.h"
 
 /// The catalogue of one photo collection: one object per database file. Any thread may call it.
 ///
@@ -19,10 +19,16 @@
 ///   folders.h             the folder tree: reading, lists, sub-folders, paths, changing
 ///   folder_attributes.h   shared, secure and limited folders
 ///   photos.h              whole photo records, and questions about photos
+///   photo_attributes.h    single attributes of photos: titles, flags, rotation, days
 ///   tags.h                tags and the photos that carry them
-///   rooms.h               rooms
+///   rooms.h, albums.h     rooms, their albums and the photos in them
+///   trash.h               deleted photos
+///   sync_process.h        handing changed photos over to the synchronisation
+///   side_tables.h         local paths of photos, lists of cameras and lenses
+///   notifications.h       what changed since a view last looked
 ///   deletion.h            deleting with what hangs on it
-class VDSTO_API CRkPhotoDBManager : public vdstomgr::catalogue::Deletion {
+///   resets.h              emptying whole tables, a repair
+class VDSTO_API CRkPhotoDBManager : public vdstomgr::catalogue::Resets {
  public:
   ~CRkPhotoDBManager() override;
 };

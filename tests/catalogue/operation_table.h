@@ -1,0 +1,59 @@
+#pragma once
+
+#include <functional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "catalogue_test.h"
+
+/// Operations as tables of data: the rows before, the call and its answer, the rows after.
+namespace vdstomgr {
+
+/// Values in order, joined by '|', as the raw table shows them.
+template <class... Values>
+std::string Joined(const Values&... values) {
+  std::ostringstream text;
+  const char* separator = "";
+  const auto add = [&](const auto& value) {
+    using Value = std::decay_t<decltype(value)>;
+    text << std::exchange(separator, "|");
+    if constexpr (std::is_same_v<Value, CString>)
+      text << value.Str();
+    else if constexpr (std::is_same_v<Value, BYTE> || std::is_same_v<Value, bool>)
+      text << int{value};
+    else
+      text << value;
+  };
+  (add(values), ...);
+  return text.str();
+}
+
+/// The items of a list that an operation fills, joined by ','.
+template <class List>
+std::string Listed(const List& list) {
+  std::string text;
+  for (const auto& item : list) text += (text.empty() ? "" : ",") + Joined(item);
+  return text;
+}
+
+/// One operation on a catalogue whose tables are empty but for `before`.
+struct Operation {
+  const char* what;
+  std::vector<const char*> before;  ///< statements, run beside the catalogue
+  std::function<std::string(OpenCatalogue&)> call;
+  std::string answer;
+  const char* query = nullptr;  ///< asked afterwards, when there is one
+  std::vector<std::string> after;
+};
+
+/// The call `catalogue.<expression>` with its answer as text.
+#define ANSWER_OF(expression) [](OpenCatalogue& catalogue) { return Joined(catalogue.expression); }
+
+class OperationTest : public CatalogueTest {
+ protected:
+  /// Runs every operation of a table, each on empty tables, and compares.
+  void Check(const std::vector<Operation>& operations);
+};
+
+}  // namespace vdstomgr
