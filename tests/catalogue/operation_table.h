@@ -44,7 +44,7 @@ struct Operation {
   std::function<std::string(OpenCatalogue&)> call;
   std::string answer;
   const char* query = nullptr;  ///< asked afterwards, when there is one
-  std::vector<std::string> after;
+  std::vector<std::string> after = {};
 };
 
 /// The call `catalogue.<expression>` with its answer as text.
