@@ -103,7 +103,17 @@ TEST_F(FileSystemTest, NamesAndClaimsAreKept) {
   std::unique_ptr<ExclusiveFile> second;
   EXPECT_EQ(files_.CreateNew(Path("a"), Caching::normal, second), std::errc::file_exists);
   EXPECT_TRUE(files_.OpenExclusive(Path("a"), Caching::normal, second));
+  EXPECT_TRUE(files_.Rename(Path("a"), Path("b")));
+  std::unique_ptr<File> plain;
+  EXPECT_FALSE(first->WriteAt(0, kText.data(), kText.size()));
+  for (const OpenMode mode : {OpenMode::create, OpenMode::read_write}) {
+    EXPECT_TRUE(files_.Open(Path("a"), mode, plain));
+  }
+  EXPECT_EQ(Read("a"), kText);
   first.reset();
+  ASSERT_FALSE(files_.Open(Path("a"), OpenMode::create, plain));
+  EXPECT_TRUE(files_.OpenExclusive(Path("a"), Caching::normal, second));
+  plain.reset();
   EXPECT_FALSE(files_.OpenExclusive(Path("a"), Caching::normal, second));
   second.reset();
   EXPECT_EQ(files_.OpenExclusive(Path("none"), Caching::normal, second),
@@ -116,6 +126,9 @@ TEST_F(FileSystemTest, NamesAndClaimsAreKept) {
   EXPECT_FALSE(files_.Delete(Path("b")) || files_.Rename(Path("a"), Path("b")));
   EXPECT_TRUE(files_.Exists(Path("b")) && !files_.Exists(Path("a")));
   EXPECT_TRUE(files_.Delete(Path("a")));
+  ASSERT_FALSE(files_.OpenExclusive(Path("b"), Caching::normal, first) || first->Delete());
+  first.reset();
+  EXPECT_FALSE(files_.Exists(Path("b")));
 }
 
 }  // namespace

@@ -132,6 +132,9 @@ class FaultyFiles : public ForwardingFileSystem {
     std::error_code Size(std::uint64_t& size) override {
       return files.Fails() ? Error() : ForwardingExclusiveFile::Size(size);
     }
+    std::error_code Delete() override {
+      return files.Fails() ? Error() : ForwardingExclusiveFile::Delete();
+    }
     std::error_code SetSize(std::uint64_t size) override {
       const auto error = files.Fails() ? Error() : ForwardingExclusiveFile::SetSize(size);
       if (!error) content->ready.resize(static_cast<std::size_t>(size));

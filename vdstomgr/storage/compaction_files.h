@@ -1,7 +1,7 @@
 #pragma once
 
 #include "vdstomgr/platform/framework/cstring.h"
-#include "vdstomgr/storage/record_storage_state.h"
+#include "vdstomgr/storage/storage_files.h"
 
 namespace vdstomgr {
 
@@ -23,12 +23,12 @@ struct CompactionFiles {
         old_index(index + ".bak") {}
 
   void DeleteNew() const {
-    DeleteIfThere(new_data);
-    DeleteIfThere(new_index);
+    DeleteUnlessInUse(new_data);
+    DeleteUnlessInUse(new_index);
   }
   void DeleteOld() const {
-    DeleteIfThere(old_data);
-    DeleteIfThere(old_index);
+    DeleteUnlessInUse(old_data);
+    DeleteUnlessInUse(old_index);
   }
 };
 

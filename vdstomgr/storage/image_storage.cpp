@@ -6,8 +6,10 @@
 #include "vdstomgr/platform/os/lock.h"
 #include "vdstomgr/platform/utility/file_ex.h"
 #include "vdstomgr/platform/utility/utility_lib.h"
+#include "vdstomgr/storage/key_order.h"
 #include "vdstomgr/storage/loan_table.h"
-#include "vdstomgr/storage/record_storage_state.h"
+#include "vdstomgr/storage/record_storage.h"
+#include "vdstomgr/storage/storage_files.h"
 #include "vdstomgr/storage/sync_storage.h"
 
 using vdstomgr::ScopedLock;
@@ -98,12 +100,10 @@ void CRkPhotoImageStorage::CloseFile() {
   m_state->opened = false;
 }
 
-void CRkPhotoImageStorage::DeleteFileA() {
+bool CRkPhotoImageStorage::DeleteFileA() {
   const ScopedLock lock(m_state->lock);
   const CString path = m_state->storage.GetStoragePath();
-  if (m_state->opened || path.IsEmpty()) return;
-  vdstomgr::DeleteIfThere(path);
-  vdstomgr::DeleteIfThere(vdstomgr::IndexPathOf(path));
+  return !m_state->opened && !path.IsEmpty() && vdstomgr::DeleteStorageFiles(path);
 }
 
 bool CRkPhotoImageStorage::IsImage(const char* key, bool refresh, int) {

@@ -32,8 +32,9 @@ class VDSTO_API CRkPhotoImageStorage {
   bool OpenFile(const char* path, int mapping_mode = 2, int open_mode = 3);
   void Flush();
   void CloseFile();
-  /// Deletes both files of the storage last opened, once it is closed; does nothing before.
-  void DeleteFileA();
+  /// Deletes both files of the storage last opened, once it is closed. False, and both stay, while
+  /// it is open or while anybody else has either of them open for writing.
+  bool DeleteFileA();
 
   bool IsImage(const char* key, bool refresh = true, int reserved = 0);
 

@@ -11,7 +11,7 @@
 #include "vdstomgr/storage/array_format.h"
 #include "vdstomgr/storage/cluster_table.h"
 #include "vdstomgr/storage/little_endian.h"
-#include "vdstomgr/storage/record_storage_state.h"
+#include "vdstomgr/storage/storage_files.h"
 
 namespace vdstomgr {
 namespace {

@@ -5,13 +5,12 @@
 #include <limits>
 
 #include "vdstomgr/platform/common/crc32.h"
-#include "vdstomgr/platform/os/file.h"
 #include "vdstomgr/platform/report/report.h"
 #include "vdstomgr/platform/text/code_page.h"
 #include "vdstomgr/storage/little_endian.h"
 #include "vdstomgr/storage/record_storage_state.h"
+#include "vdstomgr/storage/storage_files.h"
 
-namespace os = vdstomgr::os;
 using vdstomgr::DataHeader;
 using vdstomgr::kDataHeaderBytes;
 using vdstomgr::KeyBytes;
@@ -37,16 +36,6 @@ void TraceNoHeader() {
         vdstomgr::FromUtf8("pDHF를 LockFile하지 못함 LastError").c_str(), errno);
 }
 
-bool WriteNewFile(const CString& path, const DataHeader& header, bool writes_header) {
-  std::unique_ptr<os::ExclusiveFile> file;
-  const auto caching = os::Caching::write_through;
-  if (os::Files().CreateNew(vdstomgr::NativePath(path), caching, file)) return false;
-  if (!writes_header) return false;
-  const auto bytes = header.Encode();
-  return !file->SetSize(bytes.size()) && !file->WriteAt(0, bytes.data(), bytes.size()) &&
-         !file->Close();
-}
-
 DWORD NumberOf(KeyBytes key) {
   return vdstomgr::LoadLittle<DWORD>(key.data());
 }
@@ -57,23 +46,6 @@ struct NumberKey {
 };
 
 }  // namespace
-
-CString vdstomgr::IndexPathOf(const CString& data_path) {
-  const int point = data_path.ReverseFind('.');
-  return point < 0 ? CString() : data_path.Left(point) + ".pdx";
-}
-
-std::string vdstomgr::NativePath(const CString& path) {
-  return ToUtf8(path.Str());
-}
-
-void vdstomgr::DeleteIfThere(const CString& path) {
-  (void)os::Files().Delete(NativePath(path));
-}
-
-bool vdstomgr::MoveTo(const CString& from, const CString& to) {
-  return !os::Files().Rename(NativePath(from), NativePath(to));
-}
 
 bool CRkStorageManager::State::Load(const char* path, int new_mapping_mode, int new_open_mode) {
   const CString new_path(path);
@@ -167,20 +139,6 @@ bool CRkStorageManager::State::RemoveAt(std::size_t position) {
 int CRkStorageManager::State::Find(KeyBytes key, bool refresh) {
   if (refresh) clusters.SortIfNeeded();
   return clusters.Find(key);
-}
-
-bool CRkStorageManager::CreateStorageFile(const char* path, DWORD storage_id, WORD key_type,
-                                          WORD key_length) {
-  const CString data_path(path);
-  const CString index_path = vdstomgr::IndexPathOf(data_path);
-  const DataHeader header{storage_id, key_type, key_length, 0};
-  vdstomgr::DeleteIfThere(data_path);
-  if (!WriteNewFile(data_path, header, !index_path.IsEmpty())) return false;
-  vdstomgr::DeleteIfThere(index_path);
-  const auto unit_size = static_cast<int>(header.ClusterBytes());
-  if (CRkFileArrayManager::CreateFileArray(index_path, storage_id, unit_size)) return true;
-  vdstomgr::DeleteIfThere(data_path);
-  return false;
 }
 
 CRkStorageManager::CRkStorageManager() : m_state(std::make_shared<State>()) {}

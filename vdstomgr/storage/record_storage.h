@@ -35,7 +35,9 @@ class VDSTO_API CRkStorageManager {
  public:
   /// Replaces data file and index file by new ones without records. The index file's name is the
   /// path up to its last '.' and ".pdx"; without a '.' an empty data file is left and the answer is
-  /// false.
+  /// false. False, and both stay, while anybody, this process too, has either of them open for
+  /// writing, and when either is a folder or a file that may not be written. Who only reads them
+  /// keeps the old ones.
   static bool CreateStorageFile(const char* path, DWORD storage_id, WORD key_type, WORD key_length);
 
   CRkStorageManager();

@@ -3,7 +3,7 @@
 #include "vdstomgr/storage/sync_storage.h"
 
 using vdstomgr::CompactionFiles;
-using vdstomgr::DeleteIfThere;
+using vdstomgr::DeleteUnlessInUse;
 using vdstomgr::MoveTo;
 using vdstomgr::ScopedLock;
 
@@ -57,8 +57,8 @@ bool CRkStorageManager::State::CopyTo(const CString& new_data_path, const CStrin
   done = done && target.clusters.Sort();
   target.Free();
   if (done) return true;
-  DeleteIfThere(new_data_path);
-  DeleteIfThere(new_index_path);
+  DeleteUnlessInUse(new_data_path);
+  DeleteUnlessInUse(new_index_path);
   return false;
 }
 

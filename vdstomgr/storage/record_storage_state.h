@@ -46,16 +46,3 @@ struct CRkStorageManager::State {
  private:
   bool CopyRecord(std::size_t position, State& target);
 };
-
-namespace vdstomgr {
-
-/// The path up to its last '.' and ".pdx"; empty when there is no '.'.
-CString IndexPathOf(const CString& data_path);
-/// The path in UTF-8, as the file system takes it.
-std::string NativePath(const CString& path);
-/// Deletes a file if it is there.
-void DeleteIfThere(const CString& path);
-/// False when there is no such file or the new name is taken.
-bool MoveTo(const CString& from, const CString& to);
-
-}  // namespace vdstomgr

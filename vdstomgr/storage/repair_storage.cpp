@@ -4,6 +4,7 @@
 #include <cstring>
 #include <numeric>
 
+#include "vdstomgr/storage/array_file.h"
 #include "vdstomgr/storage/cluster_table.h"
 #include "vdstomgr/storage/compaction_files.h"
 #include "vdstomgr/storage/data_file_check.h"
@@ -62,7 +63,7 @@ std::vector<DWORD> NewIndex::SlotsInOrder() {
 
 bool NewIndex::Write(const CString& path) {
   const auto unit_size = static_cast<int>(header_.ClusterBytes());
-  DeleteIfThere(path);
+  DeleteUnlessInUse(path);
   CRkFileArrayManager file;
   if (!CRkFileArrayManager::CreateFileArray(path, header_.storage_id, unit_size) ||
       !file.OpenFile(path, unit_size)) {
@@ -119,7 +120,7 @@ bool Rebuild(os::ExclusiveFile& file, const CString& index_path, RepairReport& r
       Exchange(new_index, index_path, report)) {
     return true;
   }
-  DeleteIfThere(new_index);
+  DeleteUnlessInUse(new_index);
   AddFinding(report.found, StorageFault::index_file_unreadable, 0,
              "the new index file cannot be written");
   return false;

@@ -37,11 +37,10 @@ void TraceRefusal(const CString& path, int unit_size, const char* reason) {
 
 bool UnitFile::Create(const char* path, DWORD array_id, int unit_size) {
   const CString name(path);
-  const std::string native = ToUtf8(name);
   std::unique_ptr<os::ExclusiveFile> file;
   const auto error = unit_size < 1
                          ? std::make_error_code(std::errc::invalid_argument)
-                         : os::Files().CreateNew(native, os::Caching::write_through, file);
+                         : os::Files().CreateNew(ToUtf8(name), os::Caching::write_through, file);
   if (error) {
     Trace(
         "CRkFileArrayManager::CreateFileArray((File)%s, (ID)%X, (Unit)%d) > return false for "
@@ -50,12 +49,8 @@ bool UnitFile::Create(const char* path, DWORD array_id, int unit_size) {
     return false;
   }
   const auto header = ArrayHeader{array_id, static_cast<DWORD>(unit_size), 0}.Encode();
-  if (!file->SetSize(header.size()) && !file->WriteAt(0, header.data(), header.size()) &&
-      !file->Close()) {
-    return true;
-  }
-  file.reset();
-  (void)os::Files().Delete(native);
+  if (!file->SetSize(header.size()) && !file->WriteAt(0, header.data(), header.size())) return true;
+  (void)file->Delete();
   Trace(
       "CRkFileArrayManager::CreateFileArray((File)%s, (ID)%X, (Unit)%d) > return false for Failure "
       "of Writing Header",

@@ -9,7 +9,7 @@
 #include "vdstomgr/storage/cluster_table.h"
 #include "vdstomgr/storage/data_file_check.h"
 #include "vdstomgr/storage/little_endian.h"
-#include "vdstomgr/storage/record_storage_state.h"
+#include "vdstomgr/storage/storage_files.h"
 
 namespace vdstomgr {
 namespace {

@@ -15,8 +15,8 @@ namespace vdstomgr::os {
 
 enum class OpenMode {
   read,       ///< an existing file; others may read, write and delete it meanwhile
-  create,     ///< reading and writing; an existing file is emptied
-  read_write  ///< reading and writing an existing file
+  create,     ///< reading and writing; an existing file is emptied, unless somebody has claimed it
+  read_write  ///< reading and writing an existing file that nobody has claimed
 };
 
 /// What the system may hold back of what WriteAt writes. Mapped pages are not concerned.
@@ -51,6 +51,11 @@ class File {
 /// open, readers are let in. The claim ends with Close, with the object or with the process.
 class ExclusiveFile : public File {
  public:
+  /// Deletes the file, which nobody else can have opened for writing: its name is free once this
+  /// object is gone too. Who reads it keeps what is open. A symbolic link that led here is deleted
+  /// in its place.
+  virtual std::error_code Delete() = 0;
+
   /// Makes the file `size` bytes long. What is gained reads as zeros and has its space reserved, so
   /// that writing there, also through a mapping, cannot meet a full disk. On failure the length
   /// stays. Not while a mapping of the file exists.
@@ -84,15 +89,17 @@ class FileSystem {
   virtual std::error_code Open(const std::string& path, OpenMode mode,
                                std::unique_ptr<File>& file) = 0;
   /// Opens an existing file as its only writer, for access here and there. Fails at once when
-  /// somebody else may write it, or when it is no ordinary file. `file` as in Open.
+  /// somebody else may write it, or has just deleted or renamed it, or when it is no ordinary file.
+  /// `file` as in Open.
   virtual std::error_code OpenExclusive(const std::string& path, Caching caching,
                                         std::unique_ptr<ExclusiveFile>& file) = 0;
   /// As OpenExclusive, for a file that must not exist yet. A crash may leave it empty.
   virtual std::error_code CreateNew(const std::string& path, Caching caching,
                                     std::unique_ptr<ExclusiveFile>& file) = 0;
+  /// Deletes a file whoever uses it; see ExclusiveFile::Delete.
   virtual std::error_code Delete(const std::string& path) = 0;
-  /// Gives a file another name in the same file system, all at once: a crash leaves the old name or
-  /// the new one. Fails with file_exists when the new name is taken.
+  /// Gives a file that nobody has claimed another name in the same file system, all at once: a
+  /// crash leaves the old name or the new one. Fails with file_exists when the new name is taken.
   virtual std::error_code Rename(const std::string& from, const std::string& to) = 0;
   /// Returns when the device holds the names that were made, changed or deleted beside `path`.
   virtual std::error_code SyncNames(const std::string& path) = 0;
@@ -116,6 +123,7 @@ class ForwardingExclusiveFile : public ExclusiveFile {
     return target_->WriteAt(offset, data, size);
   }
   std::error_code Size(std::uint64_t& size) override { return target_->Size(size); }
+  std::error_code Delete() override { return target_->Delete(); }
   std::error_code SetSize(std::uint64_t size) override { return target_->SetSize(size); }
   std::error_code Map(std::uint64_t offset, std::uint64_t size, Paging paging,
                       std::unique_ptr<Mapping>& mapping) override {

@@ -27,6 +27,19 @@ bool IsPermittedSize(std::uint64_t size) {
          size <= limit.rlim_cur;
 }
 
+std::error_code Truncate(int descriptor, std::uint64_t size) {
+  const auto length = static_cast<off_t>(size);
+  return Uninterrupted([&] { return ftruncate(descriptor, length); }) == 0 ? std::error_code()
+                                                                           : LastError();
+}
+
+/// Whether a path leads to a file.
+bool IsNamed(const std::string& path, const struct stat& file) {
+  struct stat named {};
+  return stat(path.c_str(), &named) == 0 && named.st_dev == file.st_dev &&
+         named.st_ino == file.st_ino;
+}
+
 /// The calls that both kinds of file have.
 template <class Interface>
 class PosixFile : public Interface {
@@ -87,17 +100,25 @@ class PosixFile : public Interface {
 
 class PosixExclusiveFile final : public PosixFile<ExclusiveFile> {
  public:
-  using PosixFile::PosixFile;
+  PosixExclusiveFile(int descriptor, const std::string& path)
+      : PosixFile(descriptor), path_(path) {}
+
+  std::error_code Delete() override {
+    struct stat status {};
+    if (fstat(Descriptor(), &status) != 0) return LastError();
+    if (!IsNamed(path_, status)) return std::make_error_code(std::errc::no_such_file_or_directory);
+    return unlink(path_.c_str()) == 0 ? std::error_code() : LastError();
+  }
 
   std::error_code SetSize(std::uint64_t size) override {
     std::uint64_t old_size = 0;
     if (const auto error = Size(old_size)) return error;
-    if (size <= old_size) return Truncate(size);
+    if (size <= old_size) return Truncate(Descriptor(), size);
     if (!IsOffset(0, size) || !IsPermittedSize(size)) {
       return std::make_error_code(std::errc::file_too_large);
     }
     const auto error = Reserve(old_size, size - old_size);
-    if (error) (void)Truncate(old_size);
+    if (error) (void)Truncate(Descriptor(), old_size);
     return error;
   }
 
@@ -133,12 +154,6 @@ class PosixExclusiveFile final : public PosixFile<ExclusiveFile> {
     return status.st_blocks < status.st_size / kStatBlock;
   }
 
-  std::error_code Truncate(std::uint64_t size) {
-    const auto length = static_cast<off_t>(size);
-    return Uninterrupted([&] { return ftruncate(Descriptor(), length); }) == 0 ? std::error_code()
-                                                                               : LastError();
-  }
-
   std::error_code Reserve(std::uint64_t offset, std::uint64_t size) {
     int error = EINTR;
     while (error == EINTR) {
@@ -146,12 +161,14 @@ class PosixExclusiveFile final : public PosixFile<ExclusiveFile> {
     }
     return {error, std::system_category()};
   }
+
+  std::string path_;
 };
 
 int FlagsOf(OpenMode mode) {
   switch (mode) {
     case OpenMode::create:
-      return O_RDWR | O_CREAT | O_TRUNC;
+      return O_RDWR | O_CREAT;
     case OpenMode::read_write:
       return O_RDWR;
     case OpenMode::read:
@@ -165,17 +182,27 @@ int FlagsOf(Caching caching) {
   return caching == Caching::normal ? O_RDWR : O_RDWR | O_DSYNC;
 }
 
-/// Claims a file that was just opened. `file` owns the descriptor from the start.
-std::error_code Claim(int descriptor, std::unique_ptr<ExclusiveFile>& file) {
+/// Claims a file that was just opened. `file` owns the descriptor from the start. Its owner until
+/// now may have deleted or renamed it since the opening.
+std::error_code Claim(int descriptor, const std::string& path,
+                      std::unique_ptr<ExclusiveFile>& file) {
   if (descriptor < 0) return LastError();
-  auto opened = std::make_unique<PosixExclusiveFile>(descriptor);
+  auto opened = std::make_unique<PosixExclusiveFile>(descriptor, path);
   struct stat status {};
   if (fstat(descriptor, &status) != 0) return LastError();
   if (!S_ISREG(status.st_mode)) return std::make_error_code(std::errc::invalid_argument);
   if (Uninterrupted([&] { return flock(descriptor, LOCK_EX | LOCK_NB); }) != 0) return LastError();
+  if (!IsNamed(path, status)) return std::make_error_code(std::errc::operation_would_block);
   (void)posix_fadvise(descriptor, 0, 0, POSIX_FADV_RANDOM);
   file = std::move(opened);
   return {};
+}
+
+/// Writers without a claim keep those with one out, and are kept out by them. Where the file system
+/// has no locks nobody has a claim.
+std::error_code ShareWriting(int descriptor) {
+  const int result = Uninterrupted([&] { return flock(descriptor, LOCK_SH | LOCK_NB); });
+  return result != 0 && errno == EWOULDBLOCK ? LastError() : std::error_code();
 }
 
 std::string FolderOf(const std::string& path) {
@@ -195,6 +222,12 @@ class PosixFileSystem final : public FileSystem {
     struct stat status {};
     if (fstat(descriptor, &status) != 0) return LastError();
     if (S_ISDIR(status.st_mode)) return std::make_error_code(std::errc::is_a_directory);
+    if (mode != OpenMode::read) {
+      if (const auto error = ShareWriting(descriptor)) return error;
+    }
+    if (mode == OpenMode::create && S_ISREG(status.st_mode)) {
+      if (const auto error = Truncate(descriptor, 0)) return error;
+    }
     file = std::move(opened);
     return {};
   }
@@ -203,17 +236,19 @@ class PosixFileSystem final : public FileSystem {
                                 std::unique_ptr<ExclusiveFile>& file) override {
     file.reset();
     const int flags = FlagsOf(caching) | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
-    return Claim(Uninterrupted([&] { return open(path.c_str(), flags); }), file);
+    return Claim(Uninterrupted([&] { return open(path.c_str(), flags); }), path, file);
   }
 
   std::error_code CreateNew(const std::string& path, Caching caching,
                             std::unique_ptr<ExclusiveFile>& file) override {
     file.reset();
     const int flags = FlagsOf(caching) | O_CLOEXEC | O_CREAT | O_EXCL;
-    return Claim(Uninterrupted([&] { return open(path.c_str(), flags, 0666); }), file);
+    return Claim(Uninterrupted([&] { return open(path.c_str(), flags, 0666); }), path, file);
   }
 
   std::error_code Rename(const std::string& from, const std::string& to) override {
+    std::unique_ptr<ExclusiveFile> claim;
+    if (const auto error = OpenExclusive(from, Caching::normal, claim)) return error;
     if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return {};
     if (errno != EINVAL && errno != ENOSYS) return LastError();
     if (Exists(to)) return std::make_error_code(std::errc::file_exists);

@@ -86,6 +86,12 @@ class WindowsExclusiveFile : public WindowsFile<ExclusiveFile> {
  public:
   using WindowsFile::WindowsFile;
 
+  std::error_code Delete() override {
+    FILE_DISPOSITION_INFO disposition{TRUE};
+    return ErrorUnless(SetFileInformationByHandle(Native(), FileDispositionInfo, &disposition,
+                                                  sizeof disposition));
+  }
+
   /// The system reserves the space of what it does not keep sparse. Done without the file pointer,
   /// which an unbuffered file can only have at whole sectors.
   std::error_code SetSize(std::uint64_t size) override {
