@@ -133,6 +133,28 @@ TEST_F(Damage, IsNamedAndLosesNoMoreThanItsRecord) {
   }
 }
 
+/// The cluster or the record lies about checksum or length: a removal counts all the same.
+TEST_F(Damage, DoesNotBringBackWhatWasRemoved) {
+  const Case cases[] = {{'d', 290, "\x01", "", "", ""},
+                        {'i', 38, "x", "", "", ""},
+                        {'i', 50, "\x14", "", "", ""},
+                        {'i', 50, "\x17", "", "", ""}};
+  for (const Case& damage : cases) {
+    SCOPED_TRACE(damage.offset);
+    std::string data = data_;
+    std::string index = index_bytes_;
+    (damage.file == 'd' ? data : index).replace(damage.offset, 1, damage.bytes);
+    Write("r.pdb", data);
+    Write("r.pdx", index);
+    ASSERT_TRUE(storage_.LoadStorageFile(path_.c_str(), 2, 3));
+    EXPECT_TRUE(storage_.RemoveAt(storage_.FindString("a", true)));
+    storage_.FreeStorageFile();
+    EXPECT_EQ(Read(path_)[285], '\x22');
+    EXPECT_TRUE(RepairStorage(path_.c_str()).repaired);
+    EXPECT_EQ(Survivors(), "bd");
+  }
+}
+
 TEST_F(Damage, OfAMissingIndexOrAStrangersIsRepaired) {
   std::filesystem::remove(index_);
   EXPECT_EQ(Faults(VerifyStorage(path_.c_str())), "index_file_unreadable record_without_cluster");

@@ -82,10 +82,14 @@ bool HasEndMark(const BYTE* record_end) {
   return std::memcmp(record_end - sizeof kEndMark, kEndMark, sizeof kEndMark) == 0;
 }
 
+bool HasLiveMarks(const BYTE* record, DWORD length) {
+  const RecordHead head = RecordHead::Decode(record);
+  return head.HasStartMark() && head.IsLive() && HasEndMark(record + length);
+}
+
 bool IsLiveRecord(const BYTE* record, const RecordPlace& place) {
   const RecordHead head = RecordHead::Decode(record);
-  return head.HasStartMark() && head.IsLive() && head.length == place.length &&
-         head.crc == place.crc && HasEndMark(record + place.length);
+  return head.length == place.length && head.crc == place.crc && HasLiveMarks(record, place.length);
 }
 
 void EncodeCluster(BYTE* cluster, WORD key_length, KeyBytes key, const RecordPlace& place) {

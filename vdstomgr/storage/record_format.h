@@ -74,6 +74,9 @@ void EncodeRecord(BYTE* record, const RecordPlace& place, WORD key_length, KeyBy
 /// Makes a record a removed one.
 void MarkRemoved(BYTE* record);
 bool HasEndMark(const BYTE* record_end);
+/// Whether the bytes are a live record by its marks and state, whatever it says of length and
+/// checksum.
+bool HasLiveMarks(const BYTE* record, DWORD length);
 /// Whether the bytes are a live record, with both its marks, of just this length and checksum.
 bool IsLiveRecord(const BYTE* record, const RecordPlace& place);
 

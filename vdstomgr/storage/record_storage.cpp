@@ -124,16 +124,29 @@ BYTE* CRkStorageManager::State::View(const RecordPlace& place) {
 /// other way round a compaction would find the name and bring the record back without its data.
 bool CRkStorageManager::State::RemoveAt(std::size_t position) {
   const RecordPlace place = clusters.PlaceAt(position);
-  BYTE* const record = View(place);
-  if (record == nullptr) {
+  if (View(place) == nullptr) {
     Trace("CRkStorageManager::LockData >> %s (%d)",
           vdstomgr::FromUtf8("Header를 LockFile하지 못함 LastError").c_str(), errno);
     return false;
   }
-  const bool done = clusters.RemoveAt(position);
-  if (done && vdstomgr::IsLiveRecord(record, place)) vdstomgr::MarkRemoved(record);
   data.EndView();
-  return done;
+  if (!clusters.RemoveAt(position)) return false;
+  MarkRemoved(place);
+  return true;
+}
+
+/// Marks and state decide, as in a repair, which would bring back what is not marked: the cluster
+/// may be wrong about the checksum or the length, and then the record's own length counts.
+void CRkStorageManager::State::MarkRemoved(RecordPlace place) {
+  for (const bool is_own_length : {false, true}) {
+    BYTE* const record = View(place);
+    if (record == nullptr) return;
+    const bool is_live = vdstomgr::HasLiveMarks(record, place.length);
+    if (is_live) vdstomgr::MarkRemoved(record);
+    place.length = vdstomgr::RecordHead::Decode(record).length;
+    data.EndView();
+    if (is_live || is_own_length) return;
+  }
 }
 
 int CRkStorageManager::State::Find(KeyBytes key, bool refresh) {

@@ -44,5 +44,6 @@ struct CRkStorageManager::State {
   bool PublishLength(std::uint64_t length);
 
  private:
+  void MarkRemoved(vdstomgr::RecordPlace place);
   bool CopyRecord(std::size_t position, State& target);
 };
