@@ -139,28 +139,5 @@ TEST_F(Crash, LosesNothingThatWasAcknowledged) {
   RecordProperty("repairs", repairs_);
 }
 
-TEST_F(Crash, OfAFullDiskIsAFalse) {
-  Make(kText, 12);
-  ASSERT_TRUE(Put("a", "one"));
-  storage_.FreeStorageFile();
-  std::filesystem::resize_file(path_, 284 + 29);
-  const pid_t process = fork();
-  if (process == 0) {
-    const rlimit limit{50 << 20, 50 << 20};
-    signal(SIGXFSZ, SIG_IGN);
-    const bool is_right =
-        setrlimit(RLIMIT_FSIZE, &limit) == 0 && storage_.LoadStorageFile(path_.c_str(), 2, 3) &&
-        !Put("b", "two") && Find("a") == "one" && Find("b") == "-" && storage_.GetSize() == 1 &&
-        !storage_.CompactStorageFileOnline(path_.c_str(), 0) && Find("a") == "one";
-    _exit(is_right ? 0 : 1);
-  }
-  int status = 1;
-  waitpid(process, &status, 0);
-  EXPECT_EQ(status, 0);
-  ASSERT_TRUE(storage_.LoadStorageFile(path_.c_str(), 2, 3));
-  EXPECT_TRUE(Put("b", "two"));
-  EXPECT_EQ(Find("a") + Find("b"), "onetwo");
-}
-
 }  // namespace
 #endif

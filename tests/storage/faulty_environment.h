@@ -140,6 +140,9 @@ class FaultyFiles : public ForwardingFileSystem {
       if (!error) content->ready.resize(static_cast<std::size_t>(size));
       return error;
     }
+    std::error_code Reserve(std::uint64_t offset, std::uint64_t size) override {
+      return files.Fails() ? Error() : ForwardingExclusiveFile::Reserve(offset, size);
+    }
     std::error_code Map(std::uint64_t offset, std::uint64_t size, Paging paging,
                         std::unique_ptr<Mapping>& mapping) override {
       if (files.Fails()) return Error();

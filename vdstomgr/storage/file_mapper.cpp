@@ -42,7 +42,7 @@ bool CRkFileMapper::CreateMap(DWORD maximum_size, const char*) {
 
 BYTE* CRkFileMapper::LockFile(std::uint64_t offset, DWORD length) {
   const ScopedLock lock(m_state->lock);
-  return m_state->file.View(offset, length);
+  return m_state->file.ViewToWrite(offset, length);
 }
 
 bool CRkFileMapper::UnlockFile() {

@@ -50,8 +50,8 @@ class VDSTO_API CRkFileMapper {
 
   /// The byte at `offset` of a view that reaches `length` bytes on, or to the end of the map when
   /// that is 0. Good until UnlockFile. Null without a map, while there is a view (views do not
-  /// nest), and for bytes beyond the file or the map. No system call for what has been viewed
-  /// before.
+  /// nest), for bytes beyond the file or the map, and when the disk has no space for the view, all
+  /// of which may be written. No system call for what has been viewed before.
   BYTE* LockFile(std::uint64_t offset, DWORD length);
   /// Ends the view; false when there is none.
   bool UnlockFile();
@@ -65,14 +65,15 @@ class VDSTO_API CRkFileMapper {
   /// Ends view and map and closes the file; false when none is open.
   bool CloseFile();
 
-  /// Copies `length` bytes into the file at `offset`, growing it first. False when it cannot grow,
-  /// and when the bytes cannot be viewed, also because there is a view already: view and map are
-  /// then closed, on purpose.
+  /// Copies `length` bytes into the file at `offset`, growing it first. False when it cannot grow
+  /// or the disk is full, and when the bytes cannot be viewed, also because there is a view
+  /// already: view and map are then closed, on purpose.
   bool WriteFileData(std::uint64_t offset, const BYTE* data, int length);
 
   /// Makes the file at least `size` bytes long: a longer one stays, a shorter one grows to
-  /// (`size` / step + 1) steps, an exact multiple too, with the space reserved on the disk. False
-  /// when the disk is full or while a view is held; the file keeps its length then.
+  /// (`size` / step + 1) steps, an exact multiple too. What it gains takes space on the disk as it
+  /// is viewed or written. False while a view is held and for a length that the system refuses; the
+  /// file keeps its length then.
   bool SetFileSize(std::uint64_t size);
 
   bool IsFileOpened() const;

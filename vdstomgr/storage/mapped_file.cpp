@@ -1,5 +1,6 @@
 #include "vdstomgr/storage/mapped_file.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <utility>
@@ -32,6 +33,10 @@ os::Caching CachingOf(int open_mode) {
   }
 }
 
+std::uint64_t UnitStart(std::uint64_t offset) {
+  return offset - offset % os::ExclusiveFile::kSpaceUnit;
+}
+
 bool IsSum(std::uint64_t left, std::uint64_t right) {
   return right <= std::numeric_limits<std::uint64_t>::max() - left;
 }
@@ -57,6 +62,7 @@ std::error_code MappedFile::OpenNative(const char* name, int mapping_mode, int o
     return error;
   }
   if (const auto error = opened->Size(known_size_)) return error;
+  reserved_ = 0;
   file_ = std::move(opened);
   path_ = name;
   mapping_mode_ = mapping_mode;
@@ -145,6 +151,13 @@ BYTE* MappedFile::View(std::uint64_t offset, DWORD length) {
   return window_->Data() + (offset - window_offset_);
 }
 
+BYTE* MappedFile::ViewToWrite(std::uint64_t offset, DWORD length) {
+  BYTE* const view = View(offset, length);
+  if (view == nullptr || Reserve(offset, length != 0 ? length : map_size_ - offset)) return view;
+  EndView();
+  return nullptr;
+}
+
 bool MappedFile::FlushView() {
   if (!has_map_) return false;
   if (!HasView()) return true;
@@ -157,6 +170,7 @@ bool MappedFile::FlushView() {
 bool MappedFile::Write(std::uint64_t offset, const BYTE* data, int length) {
   const auto size = static_cast<DWORD>(length);
   if (length < 0 || !IsSum(offset, size) || !Grow(offset + size)) return false;
+  if (!Reserve(offset, size)) return false;
   BYTE* const target = View(offset, size);
   if (target == nullptr) {
     CloseMap();
@@ -188,11 +202,28 @@ bool MappedFile::Grow(std::uint64_t size) {
   if (window_offset_ != 0) window_.reset();
   const bool grown = !file_->Grow(new_size, window_);
   if (grown) known_size_ = new_size;
+  reserved_ = UnitStart(reserved_);  // what ended with the file may now be a part of a larger piece
   if (!had_map) return grown;
   if (const auto error = MapFile()) {
     Trace("CRkFileMapper::SetFileSize >> Error : %d [%s]\n", error.value(), path_.GetString());
   }
   return grown;
+}
+
+/// Takes whole units, but leaves a gap between what is reserved and what is asked for.
+bool MappedFile::ReserveMore(std::uint64_t offset, std::uint64_t size) {
+  if (file_ == nullptr || !IsSum(offset, size) || offset + size > known_size_) return false;
+  if (size == 0) return true;
+  const std::uint64_t begin = UnitStart(offset > reserved_ ? offset : reserved_);
+  const std::uint64_t last_unit = UnitStart(offset + size - 1);
+  const std::uint64_t end =
+      last_unit + std::min(os::ExclusiveFile::kSpaceUnit, known_size_ - last_unit);
+  if (const auto error = file_->Reserve(begin, end - begin)) {
+    Trace("CRkFileMapper::Reserve >> Error : %d [%s]\n", error.value(), path_.GetString());
+    return false;
+  }
+  if (begin <= reserved_) reserved_ = end;
+  return true;
 }
 
 bool MappedFile::Sync() {

@@ -26,7 +26,10 @@ class MappedFile {
   bool CreateMap(DWORD maximum_size);
   void CloseMap();
 
+  /// For reading and writing what is reserved.
   BYTE* View(std::uint64_t offset, DWORD length);
+  /// As View, for writing all of it; null also when the disk is full.
+  BYTE* ViewToWrite(std::uint64_t offset, DWORD length);
   bool EndView() {
     const bool had_view = HasView();
     has_view_.store(false, std::memory_order_relaxed);
@@ -36,7 +39,13 @@ class MappedFile {
   bool FlushView();
 
   bool Write(std::uint64_t offset, const BYTE* data, int length);
+  /// Makes the file longer, in large steps that take no space yet.
   bool Grow(std::uint64_t size);
+  /// Sees to it that these bytes of the file can be written through a view; false when the disk is
+  /// full. Costs nothing where that is known.
+  bool Reserve(std::uint64_t offset, std::uint64_t size) {
+    return (offset <= reserved_ && size <= reserved_ - offset) || ReserveMore(offset, size);
+  }
   /// Returns when the device holds all that was written, or false.
   bool Sync();
 
@@ -47,6 +56,7 @@ class MappedFile {
   std::error_code ShowWindow(std::uint64_t offset, std::uint64_t size);
   bool IsInWindow(std::uint64_t offset, std::uint64_t size) const;
   std::uint64_t GrownSize(std::uint64_t size) const;
+  bool ReserveMore(std::uint64_t offset, std::uint64_t size);
 
   std::atomic<int> step_ = 0x6400000;
   std::atomic<bool> is_open_ = false;
@@ -55,6 +65,7 @@ class MappedFile {
   CString path_;
   int mapping_mode_ = 2;
   std::uint64_t known_size_ = 0;
+  std::uint64_t reserved_ = 0;  ///< so many bytes from the beginning on are known to have space
 
   bool has_map_ = false;
   DWORD requested_size_ = 0;    ///< of the map; 0: the whole file

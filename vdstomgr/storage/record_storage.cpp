@@ -57,7 +57,9 @@ bool CRkStorageManager::State::Load(const char* path, int new_mapping_mode, int 
   open_mode = new_open_mode;
   const bool is_empty = data.Size() == 0;
   if (is_empty) TraceRefusal(kEmptyFile);
-  if (is_empty || !data.CreateMap(0) || !ReadHeader()) {
+  // A file that was copied may have holes, where even reading may need space.
+  if (is_empty || !data.CreateMap(0) || !ReadHeader() ||
+      !data.Reserve(0, kDataHeaderBytes + header.data_length)) {
     data.Close();
     return false;
   }
@@ -75,7 +77,7 @@ void CRkStorageManager::State::Free() {
 
 /// A data length beyond the end of the file is refused: what is added would be put there.
 bool CRkStorageManager::State::ReadHeader() {
-  const BYTE* const bytes = data.View(0, kDataHeaderBytes);
+  const BYTE* const bytes = data.ViewToWrite(0, kDataHeaderBytes);
   if (bytes == nullptr) {
     TraceNoHeader();
     return false;
@@ -88,7 +90,7 @@ bool CRkStorageManager::State::ReadHeader() {
 }
 
 bool CRkStorageManager::State::PublishLength(std::uint64_t length) {
-  BYTE* const bytes = data.View(0, kDataHeaderBytes);
+  BYTE* const bytes = data.ViewToWrite(0, kDataHeaderBytes);
   if (bytes == nullptr) {
     TraceNoHeader();
     return false;
@@ -105,7 +107,7 @@ bool CRkStorageManager::State::Append(KeyBytes key, const BYTE* bytes, DWORD len
   const RecordPlace place{header.data_length, header.LeastRecord() + length, crc};
   const std::uint64_t at = kDataHeaderBytes + place.offset;
   if (!clusters.IsOpen() || !data.Grow(at + place.length)) return false;
-  BYTE* const record = data.View(at, place.length);
+  BYTE* const record = data.ViewToWrite(at, place.length);
   if (record == nullptr) return false;
   vdstomgr::EncodeRecord(record, place, header.key_length, key, bytes);
   data.EndView();
@@ -120,11 +122,16 @@ BYTE* CRkStorageManager::State::View(const RecordPlace& place) {
   return data.View(kDataHeaderBytes + place.offset, place.length);
 }
 
+BYTE* CRkStorageManager::State::ViewToWrite(const RecordPlace& place) {
+  if (!place.IsWithin(header)) return nullptr;
+  return data.ViewToWrite(kDataHeaderBytes + place.offset, place.length);
+}
+
 /// The cluster goes first: a process killed in between leaves a record that nothing names. The
 /// other way round a compaction would find the name and bring the record back without its data.
 bool CRkStorageManager::State::RemoveAt(std::size_t position) {
   const RecordPlace place = clusters.PlaceAt(position);
-  if (View(place) == nullptr) {
+  if (ViewToWrite(place) == nullptr) {
     Trace("CRkStorageManager::LockData >> %s (%d)",
           vdstomgr::FromUtf8("Header를 LockFile하지 못함 LastError").c_str(), errno);
     return false;
@@ -139,7 +146,7 @@ bool CRkStorageManager::State::RemoveAt(std::size_t position) {
 /// may be wrong about the checksum or the length, and then the record's own length counts.
 void CRkStorageManager::State::MarkRemoved(RecordPlace place) {
   for (const bool is_own_length : {false, true}) {
-    BYTE* const record = View(place);
+    BYTE* const record = ViewToWrite(place);
     if (record == nullptr) return;
     const bool is_live = vdstomgr::HasLiveMarks(record, place.length);
     if (is_live) vdstomgr::MarkRemoved(record);

@@ -48,8 +48,9 @@ class VDSTO_API CRkStorageManager {
 
   /// Opens a data file and its index file as their only writer and sorts. The modes are those of
   /// CRkFileMapper::OpenFile and concern the data file. False when it is no data file, ends before
-  /// its header says, or is in use; also when the index file cannot be opened or is another
-  /// storage's, and the data file then stays open until FreeStorageFile.
+  /// its header says, or is in use, and when it has holes that a full disk cannot fill; also when
+  /// the index file cannot be opened or is another storage's, and the data file then stays open
+  /// until FreeStorageFile.
   bool LoadStorageFile(const char* path, int mapping_mode = 2, int open_mode = 3);
   void FreeStorageFile();
   /// Asks the system to write out the record that GetBuffer holds, if any, without waiting.

@@ -33,8 +33,9 @@ struct CRkStorageManager::State {
   bool Append(vdstomgr::KeyBytes key, const BYTE* data, DWORD length, DWORD crc, bool sort);
   bool RemoveAt(std::size_t position);
   /// The record's bytes as a view to be ended by data.EndView; null when they are not in the
-  /// file.
+  /// file. ViewToWrite also when the disk is full.
   BYTE* View(const vdstomgr::RecordPlace& place);
+  BYTE* ViewToWrite(const vdstomgr::RecordPlace& place);
   int Find(vdstomgr::KeyBytes key, bool refresh);
   int FindPrefix(const char* prefix, bool refresh);
 

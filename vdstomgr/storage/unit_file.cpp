@@ -74,16 +74,19 @@ bool UnitFile::Open(const CString& path, int wanted_unit_size, int mapping_mode,
   if (file_.Size() == 0) return refuse(kEmptyFile, false);
   is_open_ = file_.CreateMap(0);
   if (!is_open_) return refuse(kNoMap, true);
-  if (TakeView() && view_bytes_ >= kArrayHeaderBytes) {
+  if (TakeView() && file_.Reserve(0, kArrayHeaderBytes)) {
     unit_size_ = static_cast<int>(ArrayHeader::Decode(view_).unit_size);
     if (wanted_unit_size != -1 && wanted_unit_size != unit_size_) {
       return refuse(kOtherUnitSize, true);
     }
   }
-  if (CheckHeader()) return true;
-  ShowBox("RefreshArrayDHF false");
-  Close();
-  return false;
+  if (!CheckHeader()) {
+    ShowBox("RefreshArrayDHF false");
+    Close();
+    return false;
+  }
+  // Units are written where they lie, and a file that was copied may have holes.
+  return file_.Reserve(0, kArrayHeaderBytes + DataBytes()) || refuse(kNoMap, true);
 }
 
 void UnitFile::Close() {
@@ -147,10 +150,12 @@ bool UnitFile::IsCount(int count) const {
 
 bool UnitFile::MakeRoom(int count) {
   const std::uint64_t bytes = std::uint64_t{Unit()} * static_cast<DWORD>(count) + kArrayHeaderBytes;
-  if (bytes <= view_bytes_) return true;
-  file_.EndView();
-  const bool grown = file_.Grow(bytes);
-  return TakeView() && grown && bytes <= view_bytes_;
+  if (bytes > view_bytes_) {
+    file_.EndView();
+    const bool grown = file_.Grow(bytes);
+    if (!TakeView() || !grown || bytes > view_bytes_) return false;
+  }
+  return file_.Reserve(0, bytes);
 }
 
 template <class Fill>

@@ -56,10 +56,17 @@ class ExclusiveFile : public File {
   /// in its place.
   virtual std::error_code Delete() = 0;
 
-  /// Makes the file `size` bytes long. What is gained reads as zeros and has its space reserved, so
-  /// that writing there, also through a mapping, cannot meet a full disk. On failure the length
-  /// stays. Not while a mapping of the file exists.
+  /// Makes the file `size` bytes long. What is gained reads as zeros and, where the system allows
+  /// it, takes no space yet. On failure the length stays. Not while a mapping of the file exists.
   virtual std::error_code SetSize(std::uint64_t size) = 0;
+
+  /// Sees to it that the file has the space for `size` bytes from `offset` on, so that writing
+  /// there, also through a mapping, cannot meet a full disk. The system may take kSpaceUnit bytes
+  /// into memory as one piece, and the first write to a mapped piece needs the space of all of it:
+  /// reserve whole units, or up to the end of the file, beyond which the bytes must not reach. On
+  /// failure some of the space may have been taken.
+  virtual std::error_code Reserve(std::uint64_t offset, std::uint64_t size) = 0;
+  static constexpr std::uint64_t kSpaceUnit = std::uint64_t{2} << 20;
 
   /// SetSize for a longer file of which there may be a mapping, from its beginning on: it then
   /// reaches to the new end too, or is null where that cannot be had. On failure the length stays,
@@ -70,8 +77,8 @@ class ExclusiveFile : public File {
   }
 
   /// Maps `size` bytes (at least one, none beyond the end of the file) from `offset` (a multiple of
-  /// MapGranularity) on, for reading and writing. Space that the range lacks is reserved first.
-  /// `mapping` is set exactly when there is no error; it may outlive the file.
+  /// MapGranularity) on, for reading, and for writing where the space is reserved. `mapping` is set
+  /// exactly when there is no error; it may outlive the file.
   virtual std::error_code Map(std::uint64_t offset, std::uint64_t size, Paging paging,
                               std::unique_ptr<Mapping>& mapping) = 0;
 
@@ -125,6 +132,9 @@ class ForwardingExclusiveFile : public ExclusiveFile {
   std::error_code Size(std::uint64_t& size) override { return target_->Size(size); }
   std::error_code Delete() override { return target_->Delete(); }
   std::error_code SetSize(std::uint64_t size) override { return target_->SetSize(size); }
+  std::error_code Reserve(std::uint64_t offset, std::uint64_t size) override {
+    return target_->Reserve(offset, size);
+  }
   std::error_code Map(std::uint64_t offset, std::uint64_t size, Paging paging,
                       std::unique_ptr<Mapping>& mapping) override {
     return target_->Map(offset, size, paging, mapping);

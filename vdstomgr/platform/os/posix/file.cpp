@@ -113,13 +113,17 @@ class PosixExclusiveFile final : public PosixFile<ExclusiveFile> {
   std::error_code SetSize(std::uint64_t size) override {
     std::uint64_t old_size = 0;
     if (const auto error = Size(old_size)) return error;
-    if (size <= old_size) return Truncate(Descriptor(), size);
-    if (!IsOffset(0, size) || !IsPermittedSize(size)) {
-      return std::make_error_code(std::errc::file_too_large);
+    const bool can_be = size <= old_size || (IsOffset(0, size) && IsPermittedSize(size));
+    return can_be ? Truncate(Descriptor(), size) : std::make_error_code(std::errc::file_too_large);
+  }
+
+  std::error_code Reserve(std::uint64_t offset, std::uint64_t size) override {
+    if (!IsOffset(offset, size)) return std::make_error_code(std::errc::file_too_large);
+    int error = EINTR;
+    while (error == EINTR) {
+      error = posix_fallocate(Descriptor(), static_cast<off_t>(offset), static_cast<off_t>(size));
     }
-    const auto error = Reserve(old_size, size - old_size);
-    if (error) (void)Truncate(Descriptor(), old_size);
-    return error;
+    return {error, std::system_category()};
   }
 
   std::error_code Grow(std::uint64_t size, std::unique_ptr<Mapping>& mapping) override {
@@ -131,14 +135,10 @@ class PosixExclusiveFile final : public PosixFile<ExclusiveFile> {
   std::error_code Map(std::uint64_t offset, std::uint64_t size, Paging,
                       std::unique_ptr<Mapping>& mapping) override {
     mapping.reset();
-    struct stat status {};
-    if (fstat(Descriptor(), &status) != 0) return LastError();
-    const auto file_size = static_cast<std::uint64_t>(status.st_size);
+    std::uint64_t file_size = 0;
+    if (const auto error = Size(file_size)) return error;
     if (size == 0 || offset > file_size || size > file_size - offset) {
       return std::make_error_code(std::errc::invalid_argument);
-    }
-    if (HasHoles(status)) {
-      if (const auto error = Reserve(offset, size)) return error;
     }
     return MapPosixFile(Descriptor(), offset, size, mapping);
   }
@@ -149,19 +149,6 @@ class PosixExclusiveFile final : public PosixFile<ExclusiveFile> {
   }
 
  private:
-  static bool HasHoles(const struct stat& status) {
-    constexpr std::int64_t kStatBlock = 512;
-    return status.st_blocks < status.st_size / kStatBlock;
-  }
-
-  std::error_code Reserve(std::uint64_t offset, std::uint64_t size) {
-    int error = EINTR;
-    while (error == EINTR) {
-      error = posix_fallocate(Descriptor(), static_cast<off_t>(offset), static_cast<off_t>(size));
-    }
-    return {error, std::system_category()};
-  }
-
   std::string path_;
 };
 

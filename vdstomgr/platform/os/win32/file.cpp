@@ -101,6 +101,9 @@ class WindowsExclusiveFile : public WindowsFile<ExclusiveFile> {
     return ErrorUnless(SetFileInformationByHandle(Native(), FileEndOfFileInfo, &end, sizeof end));
   }
 
+  /// SetSize has done it.
+  std::error_code Reserve(std::uint64_t, std::uint64_t) override { return {}; }
+
   std::error_code Map(std::uint64_t offset, std::uint64_t size, Paging paging,
                       std::unique_ptr<Mapping>& mapping) override {
     mapping.reset();
