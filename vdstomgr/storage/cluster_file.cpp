@@ -1,9 +1,7 @@
 #include "vdstomgr/storage/cluster_file.h"
 
-#include <algorithm>
-#include <numeric>
+#include <cassert>
 
-#include "vdstomgr/storage/little_endian.h"
 #include "vdstomgr/storage/unit_file.h"
 
 namespace vdstomgr {
@@ -11,13 +9,26 @@ namespace {
 
 /// Order in the file is kept at once where that moves no more clusters than this.
 constexpr std::size_t kFewMoves = 64;
-/// Arrivals are inserted one by one where the sorted clusters are so many times more.
-constexpr std::size_t kManyTimes = 64;
 
-/// The order of sorted clusters; never equal for two of them.
-bool StandsBefore(const ClusterTable& table, const RankedSlot& left, const RankedSlot& right) {
-  if (left.rank != right.rank) return left.rank < right.rank;
-  return table.IsBefore(left.slot, right.slot);
+/// Brings clusters to their places: the one for slot `start` + i lies in slot `sources[i]`. Follows
+/// the cycles of the permutation; the spare slot, beside the clusters, holds the one that each
+/// cycle begins with, so that none is ever only in memory.
+void Permute(const ClusterTable& table, std::size_t start, std::vector<DWORD>& sources,
+             DWORD spare) {
+  const auto source_of = [&](std::size_t slot) -> DWORD& { return sources[slot - start]; };
+  for (std::size_t head = start; head < start + sources.size(); ++head) {
+    if (source_of(head) == head) continue;
+    table.Copy(spare, static_cast<DWORD>(head));
+    auto slot = static_cast<DWORD>(head);
+    while (source_of(slot) != head) {
+      const DWORD source = source_of(slot);
+      table.Copy(slot, source);
+      source_of(slot) = slot;
+      slot = source;
+    }
+    table.Copy(slot, spare);
+    source_of(slot) = slot;
+  }
 }
 
 }  // namespace
@@ -30,10 +41,10 @@ class ClusterFile::Access {
     if (array_ == nullptr) return;
     array_->GetArray();
     file.UpdateView();
-    if (static_cast<std::size_t>(array_->Units().Count()) == file.Count()) return;
-    const std::size_t searchable = file.searchable_;
+    if (static_cast<std::size_t>(array_->Units().Count()) == file.list_.Size()) return;
+    const std::size_t searchable = file.list_.SearchableCount();
     file.Adopt();
-    file.searchable_ = std::min(searchable, file.Count());
+    file.list_.LimitSearches(searchable);
   }
   ~Access() {
     if (array_ != nullptr) array_->ReleaseArray(false);
@@ -58,16 +69,13 @@ bool ClusterFile::Open(const char* path, const DataHeader& header) {
   }
   is_open_ = true;
   key_length_ = header.key_length;
-  has_order_ = header.key_type == kNumberKey || header.key_type == kStringKey;
-  order_ = KeyOrder(header.key_type);
+  list_ = ClusterList(header);
   unit_.resize(header.ClusterBytes());
   UpdateView();
   DropFree();
-  Adopt();
   Sort();
   if (FreeCopies()) {
     DropFree();
-    Adopt();
     Sort();
   }
   return true;
@@ -77,12 +85,11 @@ void ClusterFile::Close() {
   if (is_open_) Settle();
   array_.CloseFile();
   is_open_ = false;
-  units_ = nullptr;
   Adopt();
 }
 
 void ClusterFile::UpdateView() {
-  units_ = array_.Units().Units();
+  list_.SetUnits(array_.Units().Units());
 }
 
 CRkFileArrayManager* ClusterFile::Array() {
@@ -93,22 +100,17 @@ CRkFileArrayManager* ClusterFile::Array() {
 
 std::size_t ClusterFile::Size() {
   const Access access(*this);
-  return Count();
+  return list_.Size();
 }
 
-/// Takes the clusters as they lie in the file, all of them unsorted.
 void ClusterFile::Adopt() {
-  UpdateView();
-  sorted_.Clear();
-  arrived_.resize(static_cast<std::size_t>(array_.Units().Count()));
-  std::iota(arrived_.begin(), arrived_.end(), DWORD{0});
-  settled_ = arrived_.size();
-  searchable_ = 0;
+  list_.Adopt(array_.Units().Units(), static_cast<std::size_t>(array_.Units().Count()));
   needs_sort_ = true;
 }
 
+/// Drops the free clusters and adopts the others.
 void ClusterFile::DropFree() {
-  const ClusterTable table = Table();
+  const ClusterTable table = list_.Table();
   const auto size = static_cast<DWORD>(array_.Units().Count());
   DWORD kept = size;
   for (DWORD slot = size; slot-- > 0;) {
@@ -117,26 +119,13 @@ void ClusterFile::DropFree() {
     if (slot != kept) table.Copy(slot, kept);
   }
   if (kept != size) array_.Units().SetCount(static_cast<int>(kept));
+  Adopt();
 }
 
-/// Frees all but one of clusters that stand there more than once.
 bool ClusterFile::FreeCopies() {
-  const ClusterTable table = Table();
-  const std::vector<RankedSlot> all = sorted_.All();
-  bool found = false;
-  for (std::size_t i = 1; i < all.size(); ++i) {
-    if (all[i].rank != all[i - 1].rank || !table.IsSameRecord(all[i - 1].slot, all[i].slot)) {
-      continue;
-    }
-    table.Free(all[i - 1].slot);
-    found = true;
-  }
-  return found;
-}
-
-DWORD ClusterFile::SlotAt(std::size_t position) const {
-  return position < sorted_.Size() ? sorted_.At(position).slot
-                                   : arrived_[position - sorted_.Size()];
+  const std::vector<DWORD> copies = list_.Copies();
+  for (const DWORD slot : copies) list_.Table().Free(slot);
+  return !copies.empty();
 }
 
 bool ClusterFile::Add(KeyBytes key, const RecordPlace& place, bool sort) {
@@ -145,10 +134,9 @@ bool ClusterFile::Add(KeyBytes key, const RecordPlace& place, bool sort) {
   EncodeCluster(unit_.data(), key_length_, key, place);
   if (!array_.Units().Add(unit_.data())) return false;
   UpdateView();
-  if (settled_ == Count()) ++settled_;
-  arrived_.push_back(static_cast<DWORD>(array_.Units().Count() - 1));
+  list_.Append();
   needs_sort_ = true;
-  if (sort) SortArrived();
+  if (sort) list_.Sort();
   SettleIfSeen();
   return true;
 }
@@ -156,17 +144,16 @@ bool ClusterFile::Add(KeyBytes key, const RecordPlace& place, bool sort) {
 /// The place of the removed cluster is taken by the last one.
 bool ClusterFile::RemoveAt(std::size_t position) {
   const Access access(*this);
-  const DWORD slot = SlotAt(position);
+  const DWORD slot = list_.SlotAt(position);
   const auto last = static_cast<DWORD>(array_.Units().Count() - 1);
-  Forget(position);
+  assert(slot <= last);
+  list_.Remove(position);
   if (slot != last) {
-    Relabel(last, slot);
-    Table().Copy(slot, last);
+    list_.Relabel(last, slot);
+    list_.Table().Copy(slot, last);
   }
-  settled_ = std::min(settled_, position);
   const bool done = array_.Units().SetCount(static_cast<int>(last));
   UpdateView();
-  searchable_ = std::min(searchable_, Count());
   SettleIfSeen();
   return done;
 }
@@ -178,225 +165,64 @@ bool ClusterFile::RemoveAll() {
   return done;
 }
 
-void ClusterFile::Forget(std::size_t position) {
-  if (position < sorted_.Size()) {
-    sorted_.Remove(position);
-  } else {
-    arrived_.erase(arrived_.begin() + static_cast<std::ptrdiff_t>(position - sorted_.Size()));
-  }
-}
-
-void ClusterFile::Relabel(DWORD from, DWORD to) {
-  const ClusterTable table = Table();
-  const RankedSlot moved = table.Ranked(from);
-  const auto arrival = std::find(arrived_.begin(), arrived_.end(), from);
-  if (arrival != arrived_.end()) {
-    *arrival = to;
-    return;
-  }
-  std::size_t position =
-      sorted_.CountBefore(moved.rank, [&](DWORD slot) { return table.IsBefore(slot, moved.slot); });
-  if (position == sorted_.Size() || sorted_.At(position).slot != from) {
-    // Two clusters for one record, which only a damaged file has, may stand in either order.
-    for (position = 0; sorted_.At(position).slot != from;) ++position;
-  }
-  sorted_.SetSlot(position, to);
-}
-
 void ClusterFile::SortIfNeeded() {
   const Access access(*this);
   if (!needs_sort_) return;
-  SortArrived();
+  list_.Sort();
   needs_sort_ = false;
   SettleIfSeen();
 }
 
 bool ClusterFile::Sort() {
   const Access access(*this);
-  SortArrived();
+  list_.Sort();
   needs_sort_ = false;
-  return has_order_ && Settle();
-}
-
-void ClusterFile::SortArrived() {
-  if (!has_order_) return;
-  if (!arrived_.empty() && sorted_.Size() == 0) SetOriginAt(arrived_.front());
-  if (sorted_.Size() / kManyTimes >= arrived_.size()) {
-    for (const DWORD slot : arrived_) InsertArrived(slot);
-  } else if (!arrived_.empty()) {
-    MergeArrived();
-  }
-  arrived_.clear();
-  searchable_ = Count();
-  MoveOriginBehindGap();
-}
-
-void ClusterFile::InsertArrived(DWORD slot) {
-  const ClusterTable table = Table();
-  const RankedSlot cluster = table.Ranked(slot);
-  const std::size_t position =
-      sorted_.CountBefore(cluster.rank, [&](DWORD other) { return table.IsBefore(other, slot); });
-  if (position != sorted_.Size()) settled_ = std::min(settled_, position);
-  sorted_.Insert(position, cluster);
-}
-
-void ClusterFile::MergeArrived() {
-  const ClusterTable table = Table();
-  const auto before = [&](const RankedSlot& left, const RankedSlot& right) {
-    return StandsBefore(table, left, right);
-  };
-  std::vector<RankedSlot> all = sorted_.All();
-  const auto old_size = static_cast<std::ptrdiff_t>(all.size());
-  for (const DWORD slot : arrived_) all.push_back(table.Ranked(slot));
-  const auto middle = all.begin() + old_size;
-  if (!std::is_sorted(middle, all.end(), before)) {
-    std::sort(middle, all.end(), before);
-    settled_ = std::min(settled_, static_cast<std::size_t>(old_size));
-  }
-  const auto first_moved = std::upper_bound(all.begin(), middle, *middle, before);
-  if (first_moved != middle) {
-    settled_ = std::min(settled_, static_cast<std::size_t>(first_moved - all.begin()));
-    std::inplace_merge(first_moved, middle, all.end(), before);
-  }
-  sorted_.Assign(all);
-}
-
-/// Number keys are ranked from some number on; any that is there will do to begin with.
-void ClusterFile::SetOriginAt(DWORD slot) {
-  if (order_.IsNumber()) order_.SetOrigin(LoadLittle<DWORD>(Table().Unit(slot)));
-}
-
-/// Number keys that have a gap of more than half the circle between them are in order from the gap
-/// on. Such a gap holds the whole of some quarter of the circle.
-void ClusterFile::MoveOriginBehindGap() {
-  constexpr std::int64_t kCircle = std::int64_t{1} << 32;
-  if (!order_.IsNumber() || sorted_.Size() < 2) return;
-  const auto size = sorted_.Size();
-  const auto rank_at = [&](std::size_t i) { return static_cast<std::int64_t>(sorted_.At(i).rank); };
-  const std::int64_t first = rank_at(0);
-  const std::int64_t last = rank_at(size - 1);
-  if (last - first < kCircle / 2) return;
-  for (std::int64_t quarter = 0; quarter < kCircle; quarter += kCircle / 4) {
-    const std::size_t at =
-        sorted_.CountBefore(static_cast<std::uint64_t>(quarter), [](DWORD) { return false; });
-    const std::int64_t next = at < size ? rank_at(at) : first + kCircle;
-    const std::int64_t previous = at > 0 ? rank_at(at - 1) : last - kCircle;
-    if (next - previous <= kCircle / 2) continue;
-    std::vector<RankedSlot> all;
-    for (std::size_t i = 0; i < size; ++i) all.push_back(sorted_.At((at + i) % size));
-    SetOriginAt(all.front().slot);
-    for (RankedSlot& cluster : all) cluster = Table().Ranked(cluster.slot);
-    sorted_.Assign(all);
-    settled_ = 0;
-    return;
-  }
+  return list_.HasOrder() && Settle();
 }
 
 void ClusterFile::SettleIfSeen() {
-  if (is_seen_ || Count() - settled_ <= kFewMoves) Settle();
+  if (is_seen_ || list_.Size() - list_.SettledCount() <= kFewMoves) Settle();
 }
 
-/// Follows the cycles of the permutation. A last unit beside the clusters holds the one that each
-/// cycle begins with, so that none is ever only in memory.
 bool ClusterFile::Settle() {
   const Access access(*this);
-  const std::size_t size = Count();
-  const std::size_t start = settled_;
+  const std::size_t size = list_.Size();
+  const std::size_t start = list_.SettledCount();
   if (start == size) return true;
   std::vector<DWORD> sources(size - start);
-  for (std::size_t i = 0; i < sources.size(); ++i) sources[i] = SlotAt(start + i);
-  if (!array_.Units().Add(Table().Unit(sources[0]))) return false;
+  for (std::size_t i = 0; i < sources.size(); ++i) sources[i] = list_.SlotAt(start + i);
+  if (!array_.Units().Add(list_.Table().Unit(sources[0]))) return false;
   UpdateView();
-  const ClusterTable table = Table();
-  const auto spare = static_cast<DWORD>(size);
-  const auto source_of = [&](std::size_t slot) -> DWORD& { return sources[slot - start]; };
-  for (std::size_t head = start; head < size; ++head) {
-    if (source_of(head) == head) continue;
-    table.Copy(spare, static_cast<DWORD>(head));
-    auto slot = static_cast<DWORD>(head);
-    while (source_of(slot) != head) {
-      const DWORD source = source_of(slot);
-      table.Copy(slot, source);
-      source_of(slot) = slot;
-      slot = source;
-    }
-    table.Copy(slot, spare);
-    source_of(slot) = slot;
-  }
+  Permute(list_.Table(), start, sources, static_cast<DWORD>(size));
   array_.Units().SetCount(static_cast<int>(size));
   UpdateView();
-  sorted_.NumberFrom(start);
-  std::iota(arrived_.begin(), arrived_.end(), static_cast<DWORD>(sorted_.Size()));
-  settled_ = size;
+  list_.Settled();
   return true;
-}
-
-/// The binary search of the first searchable clusters, whatever their order.
-template <class Compare>
-int ClusterFile::Search(const Compare& compare) const {
-  std::size_t low = 0;
-  for (std::size_t high = searchable_; low < high;) {
-    const std::size_t middle = low + (high - low) / 2;
-    const int order = compare(SlotAt(middle));
-    if (order == 0) return static_cast<int>(middle);
-    if (order > 0) {
-      high = middle;
-    } else {
-      low = middle + 1;
-    }
-  }
-  return -1;
 }
 
 int ClusterFile::Find(KeyBytes key) {
   const Access access(*this);
-  const ClusterTable table = Table();
-  if (!IsTreeSearchable()) {
-    return Search([&](DWORD slot) { return table.Order().Compare(table.KeyAt(slot), key); });
-  }
-  const std::uint64_t rank = order_.Rank(key);
-  const std::size_t end =
-      sorted_.CountBefore(rank, [&](DWORD slot) { return table.IsUpTo(slot, key); });
-  if (end == 0) return -1;
-  const RankedSlot found = sorted_.At(end - 1);
-  const bool is_hit = found.rank == rank && order_.CompareRest(table.KeyAt(found.slot), key) == 0;
-  return is_hit ? static_cast<int>(end - 1) : -1;
+  return list_.Find(key);
 }
 
 int ClusterFile::FindPrefix(KeyBytes prefix) {
   const Access access(*this);
-  const ClusterTable table = Table();
-  const auto is_hit = [&](DWORD slot) { return KeyOrder::StartsWith(table.KeyAt(slot), prefix); };
-  if (!IsTreeSearchable()) {
-    return Search([&](DWORD slot) {
-      return is_hit(slot) ? 0 : table.Order().Compare(table.KeyAt(slot), prefix);
-    });
-  }
-  const std::size_t first = sorted_.CountBefore(
-      order_.Rank(prefix), [&](DWORD slot) { return table.IsBefore(slot, prefix); });
-  return first < sorted_.Size() && is_hit(SlotAt(first)) ? static_cast<int>(first) : -1;
+  return list_.FindPrefix(prefix);
 }
 
 int ClusterFile::FindRecord(KeyBytes key, std::uint64_t offset) {
   const Access access(*this);
-  const int last = Find(key);
-  const ClusterTable table = Table();
-  for (int position = last; position >= 0; --position) {
-    const DWORD slot = SlotAt(static_cast<std::size_t>(position));
-    if (order_.Compare(table.KeyAt(slot), key) != 0) return -1;
-    if (table.PlaceAt(slot).offset == offset) return position;
-  }
-  return -1;
+  return list_.FindRecord(key, offset);
 }
 
 RecordPlace ClusterFile::PlaceAt(std::size_t position) {
   const Access access(*this);
-  return Table().PlaceAt(SlotAt(position));
+  return list_.Table().PlaceAt(list_.SlotAt(position));
 }
 
 std::vector<BYTE> ClusterFile::KeyAt(std::size_t position) {
   const Access access(*this);
-  const KeyBytes key = Table().KeyAt(SlotAt(position));
+  const KeyBytes key = list_.Table().KeyAt(list_.SlotAt(position));
   return {key.begin(), key.end()};
 }
 

@@ -4,8 +4,7 @@
 #include <vector>
 
 #include "vdstomgr/storage/array_file.h"
-#include "vdstomgr/storage/cluster_order.h"
-#include "vdstomgr/storage/cluster_table.h"
+#include "vdstomgr/storage/cluster_list.h"
 
 namespace vdstomgr {
 
@@ -32,7 +31,7 @@ class ClusterFile {
   bool IsOpen() const { return is_open_; }
   std::size_t Size();
   /// How many clusters searches look at.
-  std::size_t SearchableCount() const { return searchable_; }
+  std::size_t SearchableCount() const { return list_.SearchableCount(); }
 
   /// Adds a cluster: to its place with `sort`, otherwise at the end, out of sight of searches until
   /// the next sort. False when the disk is full; nothing has changed then.
@@ -65,40 +64,17 @@ class ClusterFile {
  private:
   class Access;
 
-  ClusterTable Table() const { return {units_, key_length_, order_}; }
-  std::size_t Count() const { return sorted_.Size() + arrived_.size(); }
-  DWORD SlotAt(std::size_t position) const;
-
   void Adopt();
   void DropFree();
   bool FreeCopies();
-  void SortArrived();
-  void InsertArrived(DWORD slot);
-  void MergeArrived();
-  void Forget(std::size_t position);
-  void Relabel(DWORD from, DWORD to);
-  void SetOriginAt(DWORD slot);
-  void MoveOriginBehindGap();
-
-  template <class Compare>
-  int Search(const Compare& compare) const;
-  bool IsTreeSearchable() const { return searchable_ == sorted_.Size(); }
-
-  void UpdateView();
   void SettleIfSeen();
+  void UpdateView();
 
   CRkFileArrayManager array_;
-  BYTE* units_ = nullptr;
   bool is_open_ = false;
   bool is_seen_ = false;  ///< Array has been called
   WORD key_length_ = 0;
-  bool has_order_ = false;
-  KeyOrder order_;
-
-  ClusterOrder sorted_;
-  std::vector<DWORD> arrived_;  ///< slots of the clusters behind the sorted ones
-  std::size_t settled_ = 0;     ///< so many leading positions are their own slots
-  std::size_t searchable_ = 0;
+  ClusterList list_;
   bool needs_sort_ = true;
   std::vector<BYTE> unit_;
 };
