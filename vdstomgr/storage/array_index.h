@@ -8,10 +8,6 @@
 
 class CRkFileArrayManager;
 
-namespace vdstomgr {
-class IndexKey;
-}
-
 /// The units of an array file in the order of a key that lies at a fixed place in each, kept in
 /// memory. A root index shows all units; a filtered index those units of another index, its parent,
 /// whose key there is one of a set of values, in an order of its own.
@@ -108,15 +104,6 @@ class VDSTO_API CRkFileArrayIndex {
 
  private:
   struct State;
-  class ArrayLock;
-
-  template <class Values>
-  int CreateFiltered(CRkFileArrayIndex* parent, INDEX_TYPE parent_kind, const Values& values,
-                     const vdstomgr::IndexKey& key);
-  template <class Values>
-  int ReplaceFilter(const Values& values);
-  template <class Search>
-  int Find(INDEX_TYPE kind, bool refresh, const Search& search);
 
   std::unique_ptr<State> m_state;
 };

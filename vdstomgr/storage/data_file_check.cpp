@@ -11,8 +11,6 @@ namespace {
 
 constexpr std::size_t kWindowBytes = 1 << 20;
 constexpr std::uint64_t kCandidateCost = 256;
-constexpr std::size_t kEndMarkBytes = 2;
-constexpr std::size_t kReservedBytes = 2;
 
 }  // namespace
 
@@ -104,7 +102,7 @@ bool DataFileCheck::IsRecordAt(std::uint64_t offset, const RecordHead& head) {
 }
 
 bool DataFileCheck::HasRightChecksum(std::uint64_t offset, const RecordHead& head) {
-  std::uint64_t at = offset + RecordHead::kBytes + header_.key_length + kReservedBytes;
+  std::uint64_t at = offset + header_.DataInRecord();
   const std::uint64_t end = offset + head.length - kEndMarkBytes;
   DWORD crc = CRkCRC32Generator::GenCRC32(nullptr, 0);
   while (at < end) {

@@ -94,7 +94,7 @@ class Glance {
       return false;
     }
     const BYTE* const key = record.data() + RecordHead::kBytes;
-    const BYTE* const bytes = key + header_.key_length + 2;
+    const BYTE* const bytes = record.data() + header_.DataInRecord();
     const DWORD length = place.length - header_.LeastRecord();
     const bool is_it = IsLiveRecord(record.data(), place) &&
                        KeyOrder(header_.key_type).Compare({key, header_.key_length}, key_) == 0 &&

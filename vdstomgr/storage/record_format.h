@@ -13,6 +13,7 @@ inline constexpr std::size_t kDataHeaderBytes = 284;
 inline constexpr std::size_t kDataLengthAt = 24;  ///< in the header of the data file
 /// What a record has besides its key and data.
 inline constexpr DWORD kRecordFrameBytes = 14;
+inline constexpr DWORD kEndMarkBytes = 2;
 /// What a cluster has besides its key.
 inline constexpr DWORD kClusterFrameBytes = 18;
 
@@ -32,6 +33,8 @@ struct DataHeader {
   DWORD ClusterBytes() const { return key_length + kClusterFrameBytes; }
   /// The length of a record without data.
   DWORD LeastRecord() const { return key_length + kRecordFrameBytes; }
+  /// Where in a record its data begins.
+  DWORD DataInRecord() const { return LeastRecord() - kEndMarkBytes; }
   bool HasKnownKeys() const {
     return key_type == kStringKey || (key_type == kNumberKey && key_length == sizeof(DWORD));
   }

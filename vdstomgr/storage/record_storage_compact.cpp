@@ -33,10 +33,9 @@ bool CRkStorageManager::State::CopyRecord(std::size_t position, State& target) {
   if (record == nullptr && place.IsWithin(header)) return false;
   const std::vector<BYTE> key = clusters.KeyAt(position);
   const bool is_live = record != nullptr && vdstomgr::IsLiveRecord(record, place);
-  const bool done =
-      is_live ? target.Append(key, record + vdstomgr::RecordHead::kBytes + header.key_length + 2,
-                              place.length - header.LeastRecord(), place.crc, false)
-              : target.Append(key, nullptr, 0, 0, false);
+  const bool done = is_live ? target.Append(key, record + header.DataInRecord(),
+                                            place.length - header.LeastRecord(), place.crc, false)
+                            : target.Append(key, nullptr, 0, 0, false);
   if (record != nullptr) data.EndView();
   return done;
 }

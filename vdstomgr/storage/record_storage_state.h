@@ -32,6 +32,9 @@ struct CRkStorageManager::State {
   /// them part of the file, then the cluster.
   bool Append(vdstomgr::KeyBytes key, const BYTE* data, DWORD length, DWORD crc, bool sort);
   bool RemoveAt(std::size_t position);
+  /// The data of a record, as a view to be ended by data.EndView; null, and nothing to end, when
+  /// index and data file disagree about it.
+  BYTE* Borrow(std::size_t position, int& length);
   /// The record's bytes as a view to be ended by data.EndView; null when they are not in the
   /// file. ViewToWrite also when the disk is full.
   BYTE* View(const vdstomgr::RecordPlace& place);
