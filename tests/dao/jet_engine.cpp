@@ -111,6 +111,13 @@ TEST_F(JetEngineTest, Queries) {
       {"SELECT x.[a.id] FROM (SELECT a.*, b.* FROM T a, T b WHERE b.id = 2) x WHERE x.[b.id] > 1 "
        "AND x.[a.id] = 1",
        {"1"}},
+      {"SELECT a.g, a.s, COUNT(b.id) as n FROM T as a INNER JOIN T as b ON a.g = b.g GROUP BY a.g, "
+       "a.s ORDER BY a.s",
+       {"1|a|2", "1|B|2", "2|b|2", "2|c[1]|2"}},
+      {"SELECT top 1 b.id as other, a.* FROM T as a INNER JOIN T as b ON a.s = b.s WHERE b.id = 3",
+       {"3|2|1|B"}},
+      {"SELECT id FROM T WHERE (s LIKE '*[[[]]1[[[]]]*' OR (s LIKE '*C*' AND s LIKE '*[[]1*'))",
+       {"4"}},
       {"SELECT b.id FROM (SELECT * FROM T WHERE g IN (1) ORDER BY s DESC) as b ORDER BY b.id",
        {"1", "2"}},
   };
@@ -137,103 +144,6 @@ TEST_F(JetEngineTest, Actions) {
   std::string chain = "DELETE FROM T WHERE id = 1";
   for (int i = 20; i < 20000; ++i) chain += " OR id = " + std::to_string(i);
   EXPECT_EQ(Run(chain), 1);
-}
-
-// The longer statements that a catalogue lives on, on tables of its kind.
-class CatalogueFormsTest : public DatabaseTest {
- protected:
-  void SetUp() override {
-    DatabaseTest::SetUp();
-    for (const char* sql :
-         {"CREATE TABLE PhotoMaster\t(szGUID\tCHAR(36)\tPRIMARY "
-          "KEY,\tszFileName\tMEMO,\tdwFolderID\t"
-          "INTEGER,\tbyteInfoSync\tBYTE,\tbyteTagSync\tBYTE)",
-          "CREATE TABLE PhotoTag (szGUID CHAR(36), dwTagID INTEGER, CONSTRAINT IC0_PHOTOTAG "
-          "PRIMARY "
-          "KEY(szGUID, dwTagID))",
-          "CREATE TABLE TagInfo (dwTagID INTEGER NOT NULL PRIMARY KEY, szTagName VARCHAR(64))",
-          "CREATE TABLE FolderInfo (dwFolderID INTEGER PRIMARY KEY)",
-          "CREATE TABLE PhotoSyncProcess (szGUID CHAR(36) NOT NULL PRIMARY KEY, byteInfoSync BYTE, "
-          "byteTagSync BYTE)",
-          "Create Table IX_PT  (szGUID CHAR(36) PRIMARY KEY)",
-          "Create Table IX_PT1  (szGUID CHAR(36) PRIMARY KEY)",
-          "INSERT INTO FolderInfo (dwFolderID) \t\tvalues (-1)",
-          "INSERT INTO TagInfo (dwTagID, szTagName) values (1, '여행')",
-          "INSERT INTO TagInfo (dwTagID, szTagName) values (2, 'Family')"}) {
-      Run(sql);
-    }
-    AddPhoto("p1", "summer sea.jpg", -1, "1, 0", {1, 2});
-    AddPhoto("p2", "Sea [1].jpg", -1, "0, 0", {1});
-    AddPhoto("p3", "winter.jpg", 7, "1, '1'", {2, 1});
-  }
-
-  void AddPhoto(const std::string& guid, const std::string& name, int folder,
-                const std::string& sync, std::initializer_list<int> tags) {
-    Run("INSERT INTO PhotoMaster VALUES ('" + guid + "', '" + name + "', " +
-        std::to_string(folder) + ", " + sync + ")");
-    for (const int tag : tags) {
-      Run("INSERT INTO PhotoTag (szGUID, dwTagID) values ('" + guid + "', " + std::to_string(tag) +
-          ")");
-    }
-  }
-};
-
-TEST_F(CatalogueFormsTest, Tags) {
-  EXPECT_EQ(
-      Rows("SELECT a.dwTagID, a.szTagName, COUNT(b.szGUID) as nCount FROM TagInfo as a INNER JOIN "
-           "PhotoTag as b ON a.dwTagID = b.dwTagID GROUP BY a.dwTagID, a.szTagName "
-           "ORDER BY a.szTagName"),
-      (Lines{"2|Family|2", "1|여행|3"}));
-  EXPECT_EQ(Rows("SELECT b.dwTagID, a.szGUID\t\t\tFROM PhotoMaster as a INNER JOIN (SELECT * From "
-                 "PhotoTag "
-                 "WHERE dwTagID IN (2,1) ORDER BY szGUID) as b ON a.szGUID = b.szGUID "
-                 "WHERE a.dwFolderID = -1 ORDER BY b.dwTagID")
-                .size(),
-            3u);
-  for (int round = 0; round < 2; ++round) {  // photos that carry every tag
-    Run("delete from IX_PT");
-    Run("Insert into IX_PT select szGUID from PhotoTag where dwTagID = 1");
-    Run("delete from IX_PT1");
-    Run("insert into IX_PT1 select a.szGUID from PhotoTag as a INNER JOIN IX_PT as b ON a.szGUID = "
-        "b.szGUID where a.dwTagID = 2");
-    EXPECT_EQ(
-        Run("delete a.* from IX_PT as a LEFT OUTER JOIN IX_PT1 as b ON a.szGUID = b.szGUID where "
-            "b.szGUID IS NULL"),
-        1);
-    EXPECT_EQ(
-        Rows("SELECT a.szGUID FROM PhotoMaster as a INNER JOIN IX_PT as b ON a.szGUID = b.szGUID "
-             "ORDER BY a.szGUID"),
-        (Lines{"p1", "p3"}));
-  }
-}
-
-TEST_F(CatalogueFormsTest, SyncAndSearch) {
-  EXPECT_EQ(
-      Run("INSERT INTO PhotoSyncProcess (szGUID, byteInfoSync, byteTagSync) SELECT szGUID, "
-          "byteInfoSync, byteTagSync From PhotoMaster WHERE byteInfoSync = 1 OR byteTagSync = 1"),
-      2);
-  EXPECT_EQ(
-      Run("UPDATE PhotoMaster SET byteInfoSync = 0, byteTagSync = 0 WHERE szGUID IN (SELECT szGUID "
-          "From PhotoSyncProcess)"),
-      2);
-  EXPECT_EQ(Rows("SELECT top 1 b.byteInfoSync as bInfoSync, b.byteTagSync as bTagSync, a.* FROM "
-                 "PhotoMaster as a INNER JOIN PhotoSyncProcess as b ON a.szGUID = b.szGUID WHERE "
-                 "a.szGUID = 'P3'"),
-            Lines{"1|1|p3|winter.jpg|7|0|0"});
-  EXPECT_EQ(
-      Rows("SELECT szGUID FROM PhotoMaster WHERE (szFileName LIKE '*[[[]]1[[[]]]*' OR (szFileName "
-           "LIKE '*SEA*' AND szFileName LIKE '*[[]1*')) ORDER BY szFileName"),
-      Lines{"p2"});
-  const char* const revise =
-      "delete From PhotoMaster where dwFolderID = (select a.dwFolderID From (select distinct "
-      "dwFolderID "
-      "from PhotoMaster) as a Left Outer Join FolderInfo as b On a.dwFolderID = b.dwFolderID WHERE "
-      "b.dwFolderID is NULL)";
-  AddPhoto("p4", "x", 8, "0, 0", {});
-  EXPECT_EQ(ErrorOf(revise), 3354);  // two folders are missing
-  Run("DELETE FROM PhotoMaster WHERE szGUID = 'p4'");
-  EXPECT_EQ(Run(revise), 1);
-  EXPECT_EQ(Run(revise), 0);
 }
 
 }  // namespace

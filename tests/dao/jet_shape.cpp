@@ -86,14 +86,4 @@ TEST(JetShape, LiteralsAreLiftedOut) {
   EXPECT_THROW(shape.Scan(std::string_view("'a\0b'", 5)), CDaoException);
 }
 
-TEST(JetShape, ManyLiteralsDoNotStay) {
-  Shape shape;
-  std::string list;
-  for (int i = 0; i < 5000; ++i) list += "'x',";
-  shape.Scan(list);
-  EXPECT_EQ(shape.Literals().size(), 5000u);
-  shape.Scan("'y'");
-  EXPECT_EQ(Describe(shape), "<y>");
-}
-
 }  // namespace

@@ -125,39 +125,6 @@ TEST_F(StatementTest, OneShapeServesManyValues) {
   EXPECT_EQ(ErrorOf("INSERT INTO B VALUES ('abc')"), 0);
 }
 
-TEST_F(StatementTest, QueriesOfTheDialect) {
-  for (int i = 1; i <= 6; ++i) {
-    Run("INSERT INTO T (id, b, name) VALUES (" + std::to_string(i) + ", " + std::to_string(i / 2) +
-        ", 'n" + std::to_string(i) + "')");
-  }
-  Run("INSERT INTO U (id, name) SELECT id, name FROM T WHERE id > 4");
-  const struct {
-    const char* sql;
-    Lines rows;
-  } kCases[] = {
-      {"SELECT TOP 2 id FROM T ORDER BY b", {"1", "2", "3"}},  // ties of the last row come too
-      {"SELECT TOP 2 id FROM T", {"1", "2"}},
-      {"SELECT id FROM T WHERE (b + 1) MOD 4 = 0", {"6"}},
-      {"SELECT MAX(b) as m, COUNT(*) FROM T", {"3|6"}},
-      {"SELECT a.id, b.id as other FROM T as a LEFT OUTER JOIN U as b ON a.id = b.id "
-       "WHERE a.id > 3 ORDER BY a.id",
-       {"4|-", "5|5", "6|6"}},
-      {"SELECT DISTINCT b FROM T ORDER BY b DESC", {"3", "2", "1", "0"}},
-      {"SELECT a.id FROM T as a INNER JOIN (SELECT * FROM U ORDER BY name) as b ON a.id = b.id "
-       "ORDER BY a.id",
-       {"5", "6"}},
-      {"SELECT b, COUNT(id) as Count FROM T GROUP BY b ORDER BY b", {"0|1", "1|2", "2|2", "3|1"}},
-      {"SELECT id FROM T WHERE id = (SELECT MAX(id) FROM U)", {"6"}},
-      {"SELECT id FROM T WHERE b = '1'", {"2", "3"}},
-      {"SELECT 7 / 2, 7 \\ 2, 19 MOD 6.7, -7 MOD 3 FROM T WHERE id = 1", {"3.5|3|5|-1"}},
-  };
-  for (const auto& c : kCases) EXPECT_EQ(Rows(c.sql), c.rows) << c.sql;
-
-  EXPECT_EQ(Run("delete a.* from T as a LEFT OUTER JOIN U as b ON a.id = b.id WHERE b.id IS NULL"),
-            4);
-  EXPECT_EQ(Rows("SELECT id FROM T"), (Lines{"5", "6"}));
-}
-
 TEST_F(StatementTest, CountersAreNotReused) {
   Run("CREATE TABLE C (n COUNTER(1,1) PRIMARY KEY, t MEMO)");
   Run("INSERT INTO C (t) VALUES ('a')");

@@ -17,6 +17,8 @@ DWORD BitByBit(const BYTE* data, std::size_t length, DWORD previous) {
 }
 
 TEST(Crc32, IsTheSameHoweverManyBytesGoInOneStep) {
+  const auto* const check = reinterpret_cast<const BYTE*>("123456789");
+  EXPECT_EQ(CRkCRC32Generator::GenCRC32(check, 9), 0xCBF43926u);
   std::mt19937 random(7);
   std::vector<BYTE> bytes(1200);
   for (BYTE& byte : bytes) byte = static_cast<BYTE>(random());

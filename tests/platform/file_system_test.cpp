@@ -131,5 +131,25 @@ TEST_F(FileSystemTest, NamesAndClaimsAreKept) {
   EXPECT_FALSE(files_.Exists(Path("b")));
 }
 
+TEST_F(FileSystemTest, WhatAPathLeadsTo) {
+  Create("a", Caching::normal);
+  std::error_code no_links;  // where the system has none
+  std::filesystem::create_symlink(Path("none"), Path("b"), no_links);
+  const auto kind_of = [&](const std::string& path) {
+    NameKind kind = NameKind::other;
+    EXPECT_FALSE(files_.Look(path, kind)) << path;
+    return kind;
+  };
+  EXPECT_EQ(kind_of(Path("a")), NameKind::file);
+  EXPECT_EQ(kind_of(Path("")), NameKind::missing);
+  EXPECT_EQ(kind_of("no file here"), NameKind::missing);
+  EXPECT_EQ(kind_of("."), NameKind::folder);
+  EXPECT_EQ(kind_of(Path("b")), no_links ? NameKind::missing : NameKind::nowhere);
+  for (const std::string& path :
+       {std::string(), Path("a") + "/", Path("a") + "/b", Path("b") + "/", Path("b") + "/c"}) {
+    EXPECT_EQ(kind_of(path), NameKind::nowhere) << path;
+  }
+}
+
 }  // namespace
 }  // namespace vdstomgr::os

@@ -4,7 +4,6 @@
 #include <set>
 #include <string>
 
-#include "vdstomgr/platform/common/crc32.h"
 #include "vdstomgr/platform/os/file.h"
 #include "vdstomgr/platform/text/code_page.h"
 #include "vdstomgr/platform/utility/file_ex.h"
@@ -117,16 +116,6 @@ TEST(Csv, ReadsWhatIsWrittenWithoutEscapes) {
   CUtilityLib::CloseCSV(reader);
   CUtilityLib::CloseCSV(nullptr);
   EXPECT_EQ(CUtilityLib::OpenCSV("/no/such/file", "|", "\r\n"), nullptr);
-}
-
-TEST(Crc32, MatchesTheStandardInAnyPieces) {
-  const auto* const check = reinterpret_cast<const BYTE*>("123456789");
-  EXPECT_EQ(CRkCRC32Generator::GenCRC32(check, 9), 0xCBF43926u);
-  EXPECT_EQ(CRkCRC32Generator::GenCRC32(nullptr, 0), 0u);
-  for (std::size_t first = 0; first <= 9; ++first) {
-    const DWORD so_far = CRkCRC32Generator::GenCRC32(check, first);
-    EXPECT_EQ(CRkCRC32Generator::GenCRC32(check + first, 9 - first, so_far), 0xCBF43926u);
-  }
 }
 
 TEST(BinData, CopiesOwnAndBorrowedBytesDoNot) {

@@ -78,15 +78,17 @@ class Connection : public SchemaView {
   virtual void SetPassword(std::string_view password) = 0;
 };
 
-/// Opens an existing database file for reading and writing.
-/// Throws FileNotFound, InvalidPassword, NotADatabase, FileDamaged, FileNotAccessible, DiskFull...
+/// Opens an existing database file for reading and writing. Throws FileNotFound, InvalidPassword,
+/// NotADatabase, FileDamaged, FileNotAccessible, DiskFull, InvalidPath...
 std::unique_ptr<Connection> OpenDatabase(const std::string& path, std::string_view password);
 
-/// Makes a new, empty database file without a password. Throws DatabaseExists, InvalidPath...
+/// Makes a new, empty database file without a password. Throws DatabaseExists, InvalidPath,
+/// FileNotAccessible, DiskFull...; no file is left then.
 std::unique_ptr<Connection> CreateDatabase(const std::string& path);
 
 /// Deletes a database file with its companions. Returns false when the file is still there: because
-/// the system refuses, or because it is open as a database, in this process or another.
+/// the system refuses, because it is open as a database, in this process or another, or because
+/// that cannot be told.
 bool DeleteDatabase(const std::string& path);
 
 }  // namespace vdstomgr::dao

@@ -9,8 +9,9 @@
 
 #include "vdstomgr/platform/os/mapping.h"
 
-/// The only way to the file system. Paths are UTF-8. Nothing here throws; an error carries the
-/// system's own number (std::system_category).
+/// The library's only way to files, but for what the database engine reads and writes by itself: a
+/// test disturbs both (the engine's own file layer by its VFS interface). Paths are UTF-8. Nothing
+/// here throws; an error carries the system's own number (std::system_category).
 namespace vdstomgr::os {
 
 enum class OpenMode {
@@ -25,6 +26,15 @@ enum class Caching {
   write_through,  ///< nothing: it is on the device when WriteAt answers
   unbuffered      ///< as write_through asks of the device, without a copy in the system where that
                   ///< can be had
+};
+
+/// What a path leads to; links are followed.
+enum class NameKind {
+  nowhere,  ///< nothing, and no file can be made there: its folder is missing, a link leads nowhere
+  missing,  ///< nothing, in a folder that is there
+  file,
+  folder,
+  other  ///< a device, a pipe...
 };
 
 /// An open file. Not for use by two threads at once. The destructor closes and reports nothing.
@@ -112,6 +122,9 @@ class FileSystem {
   virtual std::error_code SyncNames(const std::string& path) = 0;
   /// Whether there is a file or anything else of that name; false when that cannot be told.
   virtual bool Exists(const std::string& path) = 0;
+  /// Fails when it cannot be told, as where the folder may not be searched. Without an error `kind`
+  /// is set.
+  virtual std::error_code Look(const std::string& path, NameKind& kind) = 0;
 };
 
 /// Pass every call on but Grow, which takes the mapping that the same file has made and does not
@@ -168,6 +181,9 @@ class ForwardingFileSystem : public FileSystem {
   }
   std::error_code SyncNames(const std::string& path) override { return target_.SyncNames(path); }
   bool Exists(const std::string& path) override { return target_.Exists(path); }
+  std::error_code Look(const std::string& path, NameKind& kind) override {
+    return target_.Look(path, kind);
+  }
 
  private:
   FileSystem& target_;

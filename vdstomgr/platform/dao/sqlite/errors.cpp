@@ -92,30 +92,32 @@ std::string_view AfterColon(std::string_view message) {
   }
 }
 
-bool IsDiskFull(int code, int system_error) {
-  const bool no_space = system_error == ENOSPC || system_error == EDQUOT || system_error == EFBIG;
-  return code == SQLITE_FULL || ((code & 0xff) == SQLITE_IOERR && no_space);
+bool IsNoSpace(const std::error_code& error) {
+  return error == std::errc::no_space_on_device || error == std::errc::file_too_large ||
+         error == std::error_condition(EDQUOT, std::generic_category());
 }
 
-[[noreturn]] void ThrowCannotOpen(int system_error, std::string_view path) {
-  switch (system_error) {
-    case ENOENT:
-      dao::Throw(Error::FileNotFound, path);
-    case ENOTDIR:
-      dao::Throw(Error::InvalidPath, path);
-    case ENOSPC:
-    case EDQUOT:
-      dao::Throw(Error::DiskFull);
-    default:
-      dao::Throw(Error::FileNotAccessible, path);
-  }
+bool IsDiskFull(int code, const std::error_code& error) {
+  return code == SQLITE_FULL || ((code & 0xff) == SQLITE_IOERR && IsNoSpace(error));
 }
 
 }  // namespace
 
+void ThrowFileError(const std::error_code& error, std::string_view path) {
+  if (IsNoSpace(error)) dao::Throw(Error::DiskFull);
+  if (error == std::errc::file_exists) dao::Throw(Error::DatabaseExists);
+  if (error == std::errc::no_such_file_or_directory) dao::Throw(Error::FileNotFound, path);
+  if (error == std::errc::io_error) dao::Throw(Error::DiskOrNetwork);
+  for (const std::errc bad_path : {std::errc::not_a_directory, std::errc::filename_too_long,
+                                   std::errc::too_many_symbolic_link_levels}) {
+    if (error == bad_path) dao::Throw(Error::InvalidPath, path);
+  }
+  dao::Throw(Error::FileNotAccessible, path);
+}
+
 void ThrowEngineError(sqlite3* db, int code, std::string_view subject) {
   const std::string message = db ? sqlite3_errmsg(db) : sqlite3_errstr(code);
-  const int system_error = db ? sqlite3_system_errno(db) : 0;
+  const std::error_code system_error(db ? sqlite3_system_errno(db) : 0, std::system_category());
   if (const auto own = OwnError(message)) {
     dao::ThrowWithMessage(static_cast<Error>(own->first), own->second);
   }
@@ -137,7 +139,7 @@ void ThrowEngineError(sqlite3* db, int code, std::string_view subject) {
     case SQLITE_NOTADB:
       dao::Throw(Error::NotADatabase, subject);
     case SQLITE_CANTOPEN:
-      ThrowCannotOpen(system_error, subject);
+      ThrowFileError(system_error, subject);
     case SQLITE_NOMEM:
       throw std::bad_alloc();
     default:

@@ -1,46 +1,24 @@
 #include <sqlite3.h>
 
-#include <array>
-#include <filesystem>
+#include <cstdint>
 #include <string>
-#include <system_error>
 
 #include "vdstomgr/platform/dao/dao_exception.h"
 #include "vdstomgr/platform/dao/engine.h"
 #include "vdstomgr/platform/dao/sqlite/connection.h"
+#include "vdstomgr/platform/dao/sqlite/database_file.h"
 #include "vdstomgr/platform/dao/sqlite/errors.h"
 #include "vdstomgr/platform/dao/sqlite/functions.h"
 
 namespace vdstomgr::sqlite {
 namespace {
 
-namespace fs = std::filesystem;
 using dao::Error;
 
 constexpr int kBusyTimeoutMs = 15'000;
 constexpr size_t kHeaderSize = 100;
-constexpr std::array kCompanions = {"-wal", "-shm", "-journal"};
 
 enum class FileForm { Plain, Encrypted };
-
-fs::path PathOf(const std::string& utf8) {
-  return fs::path(std::u8string(utf8.begin(), utf8.end()));
-}
-
-void RequireFolder(const std::string& path) {
-  const fs::path folder = PathOf(path).parent_path();
-  std::error_code error;
-  if (!folder.empty() && !fs::is_directory(folder, error)) Throw(Error::InvalidPath, path);
-}
-
-void RequireFile(const std::string& path) {
-  RequireFolder(path);
-  std::error_code error;
-  const fs::file_status status = fs::status(PathOf(path), error);
-  if (status.type() == fs::file_type::not_found) Throw(Error::FileNotFound, path);
-  if (error) Throw(Error::FileNotAccessible, path);
-  if (!fs::is_regular_file(status)) Throw(Error::NotADatabase, path);
-}
 
 // The engine's own handle of the open file. Nothing else may open and close a file that could be
 // open in this process: that would drop the engine's locks on it.
@@ -50,11 +28,16 @@ sqlite3_file* FileOf(sqlite3* db, const std::string& path) {
   return file;
 }
 
-std::string ReadHeader(sqlite3* db, const std::string& path) {
+std::uint64_t SizeOf(sqlite3* db, const std::string& path) {
   sqlite3_file* file = FileOf(db, path);
   sqlite3_int64 size = 0;
   Check(db, file->pMethods->xFileSize(file, &size), path);
-  if (size < static_cast<sqlite3_int64>(kHeaderSize)) Throw(Error::NotADatabase, path);
+  return static_cast<std::uint64_t>(size);
+}
+
+std::string ReadHeader(sqlite3* db, const std::string& path) {
+  sqlite3_file* file = FileOf(db, path);
+  if (SizeOf(db, path) < kHeaderSize) Throw(Error::NotADatabase, path);
   std::string header(kHeaderSize, '\0');
   Check(db, file->pMethods->xRead(file, header.data(), static_cast<int>(kHeaderSize), 0), path);
   return header;
@@ -91,11 +74,10 @@ void Run(sqlite3* db, const char* sql, const std::string& path) {
   Check(db, sqlite3_exec(db, sql, nullptr, nullptr, nullptr), path);
 }
 
-DatabaseHandle OpenHandle(const std::string& path, int flags) {
+DatabaseHandle OpenHandle(const std::string& path) {
   sqlite3* raw = nullptr;
-  const int code = sqlite3_open_v2(
-      path.c_str(), &raw,
-      flags | SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+  constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+  const int code = sqlite3_open_v2(path.c_str(), &raw, kFlags, nullptr);
   DatabaseHandle db(raw);
   if (code != SQLITE_OK) ThrowEngineError(db.get(), code, path);
   if (sqlite3_db_readonly(db.get(), "main") == 1) Throw(Error::FileNotAccessible, path);
@@ -130,11 +112,9 @@ void ProveReadable(sqlite3* db, FileForm form, const std::string& path) {
 // are in the write-ahead log only are not missing.
 void RequireWholeFile(sqlite3* db, const std::string& path) {
   const auto is_short = [&] {
-    const auto pages = static_cast<std::uintmax_t>(ReadInteger(db, "PRAGMA page_count", path));
-    const auto page_size = static_cast<std::uintmax_t>(ReadInteger(db, "PRAGMA page_size", path));
-    std::error_code error;
-    const std::uintmax_t size = fs::file_size(PathOf(path), error);
-    return !error && size < pages * page_size;
+    const auto pages = static_cast<std::uint64_t>(ReadInteger(db, "PRAGMA page_count", path));
+    const auto page_size = static_cast<std::uint64_t>(ReadInteger(db, "PRAGMA page_size", path));
+    return SizeOf(db, path) < pages * page_size;
   };
   if (!is_short()) return;
   int in_log = 0;
@@ -142,12 +122,6 @@ void RequireWholeFile(sqlite3* db, const std::string& path) {
   const int code =
       sqlite3_wal_checkpoint_v2(db, nullptr, SQLITE_CHECKPOINT_PASSIVE, &in_log, &moved);
   if (code == SQLITE_OK && in_log == moved && is_short()) Throw(Error::FileDamaged, path);
-}
-
-void RemoveFiles(const std::string& path) {
-  std::error_code error;
-  if (!fs::remove(PathOf(path), error)) return;
-  for (const char* companion : kCompanions) fs::remove(PathOf(path + companion), error);
 }
 
 }  // namespace
@@ -159,7 +133,7 @@ using namespace vdstomgr::sqlite;
 
 std::unique_ptr<Connection> OpenDatabase(const std::string& path, std::string_view password) {
   RequireFile(path);
-  DatabaseHandle db = OpenHandle(path, 0);
+  DatabaseHandle db = OpenHandle(path);
   const FileForm form = RecogniseFile(db.get(), path);
   if ((form == FileForm::Encrypted) != !password.empty()) Throw(Error::InvalidPassword);
   if (!password.empty()) {
@@ -173,36 +147,28 @@ std::unique_ptr<Connection> OpenDatabase(const std::string& path, std::string_vi
 }
 
 std::unique_ptr<Connection> CreateDatabase(const std::string& path) {
-  RequireFolder(path);
-  std::error_code error;
-  if (fs::exists(PathOf(path), error)) Throw(Error::DatabaseExists);
+  MakeFile(path);
   try {
-    DatabaseHandle db = OpenHandle(path, SQLITE_OPEN_CREATE);
+    DatabaseHandle db = OpenHandle(path);
     Configure(db.get());
     ProveReadable(db.get(), FileForm::Plain, path);
     return std::make_unique<sqlite::Connection>(std::move(db), path);
-  } catch (const CDaoException& failure) {
-    DeleteDatabase(path);
-    // Where a file cannot be made the engine looks for one to read, and misses it.
-    if (failure.Code() == static_cast<int>(Error::FileNotFound)) {
-      Throw(Error::FileNotAccessible, path);
-    }
+  } catch (...) {
+    RemoveFiles(path);
     throw;
   }
 }
 
 bool DeleteDatabase(const std::string& path) {
-  std::error_code error;
-  if (!fs::is_regular_file(PathOf(path), error)) return !fs::exists(PathOf(path), error);
   try {
+    if (IsGone(path)) return true;
+    RequireFile(path);
     // Held until the names are gone, so that nobody opens the file while it is deleted.
-    const DatabaseHandle db = OpenHandle(path, 0);
-    if (!LockAlone(db.get(), path)) return false;
-    RemoveFiles(path);
+    const DatabaseHandle db = OpenHandle(path);
+    return LockAlone(db.get(), path) && RemoveFiles(path);
   } catch (const CDaoException&) {
-    RemoveFiles(path);  // not even open: let the file system decide
+    return false;  // whether somebody uses it cannot be told
   }
-  return !fs::exists(PathOf(path), error);
 }
 
 }  // namespace vdstomgr::dao

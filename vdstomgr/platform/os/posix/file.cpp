@@ -197,6 +197,11 @@ std::string FolderOf(const std::string& path) {
   return slash == std::string::npos ? "." : path.substr(0, slash + 1);
 }
 
+NameKind KindOf(mode_t mode) {
+  if (S_ISREG(mode)) return NameKind::file;
+  return S_ISDIR(mode) ? NameKind::folder : NameKind::other;
+}
+
 class PosixFileSystem final : public FileSystem {
  public:
   std::error_code Open(const std::string& path, OpenMode mode,
@@ -256,6 +261,25 @@ class PosixFileSystem final : public FileSystem {
   bool Exists(const std::string& path) override {
     struct stat status {};
     return stat(path.c_str(), &status) == 0;
+  }
+
+  std::error_code Look(const std::string& path, NameKind& kind) override {
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0) {
+      kind = KindOf(status.st_mode);
+      return {};
+    }
+    if (errno != ENOENT && errno != ENOTDIR) return LastError();
+    const bool is_link = lstat(path.c_str(), &status) == 0;
+    const bool can_be_made = !path.empty() && !is_link && IsFolder(FolderOf(path));
+    kind = can_be_made ? NameKind::missing : NameKind::nowhere;
+    return {};
+  }
+
+ private:
+  static bool IsFolder(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
   }
 };
 

@@ -215,6 +215,11 @@ std::string FolderOf(const std::string& path) {
   return path.substr(0, path.find_last_of("/\\:") + 1) + ".";
 }
 
+NameKind KindOf(DWORD attributes) {
+  if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return NameKind::folder;
+  return (attributes & FILE_ATTRIBUTE_DEVICE) != 0 ? NameKind::other : NameKind::file;
+}
+
 class WindowsFileSystem final : public FileSystem {
  public:
   std::error_code Open(const std::string& path, OpenMode mode,
@@ -258,6 +263,27 @@ class WindowsFileSystem final : public FileSystem {
 
   bool Exists(const std::string& path) override {
     return GetFileAttributesW(WidePath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+  }
+
+  std::error_code Look(const std::string& path, NameKind& kind) override {
+    const DWORD attributes = GetFileAttributesW(WidePath(path).c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES) {
+      kind = KindOf(attributes);
+      return {};
+    }
+    switch (GetLastError()) {
+      case ERROR_FILE_NOT_FOUND:
+        kind = NameKind::missing;
+        return {};
+      case ERROR_PATH_NOT_FOUND:
+      case ERROR_INVALID_NAME:
+      case ERROR_BAD_PATHNAME:
+      case ERROR_BAD_NETPATH:
+        kind = NameKind::nowhere;
+        return {};
+      default:
+        return LastError();
+    }
   }
 };
 
