@@ -3,20 +3,9 @@
 #include <algorithm>
 
 #include "vdstomgr/platform/dao/dao_error.h"
+#include "vdstomgr/platform/text/ascii.h"
 
 namespace vdstomgr::dao {
-namespace {
-
-char Lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
-}  // namespace
-
-bool SameName(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return Lower(x) == Lower(y); });
-}
 
 int ColumnTable::Find(std::string_view name) const {
   const auto is_named = [&](const ColumnSchema& column) { return SameName(column.name, name); };

@@ -33,7 +33,4 @@ class ColumnTable {
   mutable std::vector<std::pair<const void*, std::vector<int>>> known_lists_;
 };
 
-/// Do two names differ at most in the case of ASCII letters?
-bool SameName(std::string_view a, std::string_view b);
-
 }  // namespace vdstomgr::dao

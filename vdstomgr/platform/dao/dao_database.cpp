@@ -9,6 +9,7 @@
 using vdstomgr::AppendUtf8;
 using vdstomgr::ToUtf8;
 using vdstomgr::dao::Error;
+using vdstomgr::dao::RunMode;
 using vdstomgr::dao::Throw;
 
 namespace {
@@ -50,7 +51,9 @@ void CDaoDatabase::Execute(const char* sql, int options) {
   vdstomgr::dao::Connection& connection = Connection();
   m_statement.clear();
   AppendUtf8(sql, m_statement);
-  m_nRecordsAffected = connection.Execute(m_statement, (options & dbFailOnError) == 0);
+  const bool fails_whole = (options & dbFailOnError) != 0;
+  m_nRecordsAffected = connection.Execute(
+      m_statement, fails_whole ? RunMode::WholeStatement : RunMode::SkipFailingRows);
 }
 
 void CDaoDatabase::NewPassword(const char* old_password, const char* new_password) {

@@ -57,13 +57,19 @@ class Query {
   virtual void Delete() = 0;
 };
 
+/// What a row that breaks a key or does not fit means for an action statement.
+enum class RunMode {
+  WholeStatement,  ///< the statement throws and nothing of it remains
+  SkipFailingRows  ///< such rows are left out
+};
+
 /// One open database file.
-class Connection : public SchemaView {
+class Connection {
  public:
-  /// Runs an action statement and returns the number of rows it changed. With `skip_failing_rows`
-  /// rows that break a key or do not fit are left out; without it the first one throws and nothing
-  /// of the statement remains.
-  virtual int Execute(std::string_view sql, bool skip_failing_rows) = 0;
+  virtual ~Connection() = default;
+
+  /// Runs an action statement and returns the number of rows it changed.
+  virtual int Execute(std::string_view sql, RunMode mode) = 0;
 
   /// Opens the rows of a SELECT. The query must be gone before the connection is closed.
   virtual std::unique_ptr<Query> Open(std::string_view sql) = 0;

@@ -1,8 +1,7 @@
 #include "vdstomgr/platform/dao/schema.h"
+#include "vdstomgr/platform/text/ascii.h"
 
 #include <algorithm>
-
-#include "vdstomgr/platform/dao/column_table.h"
 
 namespace vdstomgr::dao {
 

@@ -3,18 +3,12 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "vdstomgr/platform/text/ascii.h"
 #include "vdstomgr/platform/text/code_page.h"
 
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n\v\f";
-
-char Lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-char Upper(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
-}
 
 /// Applies `change` to the ASCII letters: the second byte of a double-byte character may look like
 /// one and stays.
@@ -110,19 +104,19 @@ int CString::CompareNoCase(vdstomgr::TextView other) const {
     if (!IsAscii(text_[i]) || !IsAscii(other[i])) {
       return Mid(static_cast<int>(i)).MakeLower().Compare(CString(other.substr(i)).MakeLower());
     }
-    const int difference = Lower(text_[i]) - Lower(other[i]);
+    const int difference = vdstomgr::LowerAscii(text_[i]) - vdstomgr::LowerAscii(other[i]);
     if (difference != 0) return difference;
   }
   return text_.size() == other.size() ? 0 : text_.size() < other.size() ? -1 : 1;
 }
 
 CString& CString::MakeLower() {
-  ChangeLetters(text_, Lower);
+  ChangeLetters(text_, vdstomgr::LowerAscii);
   return *this;
 }
 
 CString& CString::MakeUpper() {
-  ChangeLetters(text_, Upper);
+  ChangeLetters(text_, vdstomgr::UpperAscii);
   return *this;
 }
 

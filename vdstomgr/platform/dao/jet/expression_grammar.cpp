@@ -2,8 +2,8 @@
 #include <array>
 #include <utility>
 
-#include "vdstomgr/platform/dao/column_table.h"
 #include "vdstomgr/platform/dao/jet/grammar.h"
+#include "vdstomgr/platform/text/ascii.h"
 
 namespace vdstomgr::jet {
 namespace {
@@ -68,7 +68,7 @@ Expr ParseUnary(TokenReader& reader);
 Expr ParseAggregate(TokenReader& reader) {
   const Token word = reader.Take();
   const auto* found = std::find_if(kAggregates.begin(), kAggregates.end(), [&](const auto& known) {
-    return word.kind == Token::Kind::Word && dao::SameName(known.first, word.text);
+    return word.kind == Token::Kind::Word && SameName(known.first, word.text);
   });
   if (found == kAggregates.end()) dao::Throw(Error::UndefinedFunction, word.text);
   reader.Expect("(");

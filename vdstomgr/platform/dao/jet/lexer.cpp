@@ -1,22 +1,12 @@
 #include "vdstomgr/platform/dao/jet/lexer.h"
 
 #include <algorithm>
-#include <array>
 
-#include "vdstomgr/platform/dao/column_table.h"
 #include "vdstomgr/platform/dao/jet/char_class.h"
 #include "vdstomgr/platform/dao/jet/shape.h"
 
 namespace vdstomgr::jet {
 namespace {
-
-constexpr std::array<std::string_view, 47> kReserved = {
-    "ALL",    "AND",     "AS",       "ASC",    "BETWEEN", "BY",    "CONSTRAINT", "CREATE",
-    "DELETE", "DESC",    "DISTINCT", "DROP",   "EXISTS",  "FALSE", "FROM",       "GROUP",
-    "HAVING", "IN",      "INDEX",    "INNER",  "INSERT",  "INTO",  "IS",         "JOIN",
-    "LEFT",   "LIKE",    "MOD",      "NOT",    "NULL",    "ON",    "OR",         "ORDER",
-    "OUTER",  "PRIMARY", "RIGHT",    "SELECT", "SET",     "TABLE", "TOP",        "TRUE",
-    "UNION",  "UNIQUE",  "UPDATE",   "VALUES", "WHERE",   "WITH",  "XOR"};
 
 size_t CountWhile(std::string_view text, bool (*belongs)(char)) {
   const auto end = std::find_if_not(text.begin(), text.end(), belongs);
@@ -24,11 +14,6 @@ size_t CountWhile(std::string_view text, bool (*belongs)(char)) {
 }
 
 }  // namespace
-
-bool IsReserved(std::string_view word) {
-  return std::any_of(kReserved.begin(), kReserved.end(),
-                     [&](std::string_view known) { return dao::SameName(known, word); });
-}
 
 Token Lexer::Next() {
   at_ += CountWhile(key_.substr(at_), [](char c) { return ClassOf(c) == CharClass::Space; });

@@ -39,7 +39,4 @@ class Lexer {
   int literals_ = 0;
 };
 
-/// Is the word one of the dialect's reserved words, in any case? They are names only in brackets.
-bool IsReserved(std::string_view word);
-
 }  // namespace vdstomgr::jet

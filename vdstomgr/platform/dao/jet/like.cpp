@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "vdstomgr/platform/dao/dao_error.h"
+#include "vdstomgr/platform/text/ascii.h"
 #include "vdstomgr/platform/text/case_folding.h"
 #include "vdstomgr/platform/text/utf8.h"
 
@@ -16,7 +17,7 @@ char32_t TakeFolded(std::string_view text, size_t& at) {
   const auto byte = static_cast<unsigned char>(text[at]);
   if (byte < 0x80) {
     ++at;
-    return byte >= 'A' && byte <= 'Z' ? byte + 0x20u : byte;
+    return static_cast<unsigned char>(LowerAscii(text[at - 1]));
   }
   const DecodedCharacter character = DecodeUtf8(text.substr(at));
   at += character.bytes;

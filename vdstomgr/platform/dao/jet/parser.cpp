@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "vdstomgr/platform/dao/column_table.h"
 #include "vdstomgr/platform/dao/jet/grammar.h"
+#include "vdstomgr/platform/text/ascii.h"
 
 namespace vdstomgr::jet {
 namespace {
@@ -41,7 +41,7 @@ Assignment ParseAssignment(TokenReader& reader, const Update& update) {
   Assignment assignment{reader.TakeName(), {}};
   if (reader.Accept(".")) {
     const std::string table = std::exchange(assignment.column, reader.TakeName());
-    if (!dao::SameName(table, update.alias.empty() ? update.table : update.alias)) at_target.Fail();
+    if (!SameName(table, update.alias.empty() ? update.table : update.alias)) at_target.Fail();
   }
   reader.Expect("=");
   assignment.value = ParseExpression(reader);

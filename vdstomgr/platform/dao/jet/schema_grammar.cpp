@@ -2,8 +2,8 @@
 #include <array>
 #include <utility>
 
-#include "vdstomgr/platform/dao/column_table.h"
 #include "vdstomgr/platform/dao/jet/grammar.h"
+#include "vdstomgr/platform/text/ascii.h"
 
 namespace vdstomgr::jet {
 namespace {
@@ -129,7 +129,7 @@ void ParseTableConstraint(TokenReader& reader, CreateTable& create) {
 ColumnSchema& FindColumn(CreateTable& create, const std::string& name) {
   const auto found =
       std::find_if(create.columns.begin(), create.columns.end(),
-                   [&](const auto& column) { return dao::SameName(column.schema.name, name); });
+                   [&](const auto& column) { return SameName(column.schema.name, name); });
   if (found == create.columns.end()) dao::Throw(Error::SyntaxInCreateTable, name);
   return found->schema;
 }

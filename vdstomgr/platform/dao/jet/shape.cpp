@@ -1,12 +1,11 @@
 #include "vdstomgr/platform/dao/jet/shape.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstring>
 
-#include "vdstomgr/platform/dao/column_table.h"
 #include "vdstomgr/platform/dao/jet/char_class.h"
+#include "vdstomgr/platform/dao/jet/reserved_words.h"
 #include "vdstomgr/platform/dao/jet/syntax_error.h"
 
 namespace vdstomgr::jet {
@@ -14,16 +13,6 @@ namespace {
 
 // More than this is given back before the next statement.
 constexpr size_t kMostLiteralsKept = 1024;
-
-// After these words a minus is a sign. After any other word it subtracts.
-constexpr std::array<std::string_view, 15> kWordsBeforeSign = {
-    "AND", "OR", "NOT", "SELECT", "WHERE", "BETWEEN", "LIKE",    "IN",
-    "SET", "ON", "BY",  "MOD",    "ALL",   "HAVING",  "DISTINCT"};
-
-bool TakesSign(std::string_view word) {
-  return std::any_of(kWordsBeforeSign.begin(), kWordsBeforeSign.end(),
-                     [&](std::string_view known) { return dao::SameName(known, word); });
-}
 
 bool IsDigit(char byte) {
   return ClassOf(byte) == CharClass::Digit;

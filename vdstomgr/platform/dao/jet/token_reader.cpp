@@ -2,8 +2,9 @@
 
 #include <utility>
 
-#include "vdstomgr/platform/dao/column_table.h"
+#include "vdstomgr/platform/dao/jet/reserved_words.h"
 #include "vdstomgr/platform/dao/jet/syntax_error.h"
+#include "vdstomgr/platform/text/ascii.h"
 
 namespace vdstomgr::jet {
 namespace {
@@ -15,7 +16,7 @@ constexpr int kMostCalculations = 500;
 bool TokenReader::Is(std::string_view keyword_or_symbol) const {
   switch (current_.kind) {
     case Token::Kind::Word:
-      return dao::SameName(current_.text, keyword_or_symbol);
+      return SameName(current_.text, keyword_or_symbol);
     case Token::Kind::Symbol:
       return current_.text == keyword_or_symbol;
     default:

@@ -2,10 +2,6 @@
 
 #include <sqlite3.h>
 
-#include <algorithm>
-
-#include "vdstomgr/platform/dao/dao_exception.h"
-#include "vdstomgr/platform/dao/jet/parser.h"
 #include "vdstomgr/platform/dao/sqlite/errors.h"
 #include "vdstomgr/platform/dao/sqlite/query.h"
 #include "vdstomgr/platform/dao/sqlite/table_writer.h"
@@ -13,9 +9,7 @@
 namespace vdstomgr::sqlite {
 namespace {
 
-constexpr int kWritesPerCommit = 4096;    // a longer group is committed in pieces of this many
-constexpr size_t kMostParameters = 1000;  // statements with more literals keep them in their text
-constexpr std::string_view kUnknownColumn = "no such column: ";
+constexpr int kWritesPerCommit = 4096;  // a longer group is committed in pieces of this many
 
 int BindLiteral(sqlite3_stmt* statement, int place, const jet::Literal& literal) {
   switch (literal.kind) {
@@ -37,24 +31,6 @@ void BindLiterals(sqlite3* db, sqlite3_stmt* statement, std::span<const jet::Lit
   }
 }
 
-// The engine writes table.column, or "column" with a hint behind it.
-std::string UnknownColumn(std::string_view message) {
-  std::string_view name = message.substr(kUnknownColumn.size());
-  if (name.starts_with('"')) {
-    name.remove_prefix(1);
-    return std::string(name.substr(0, name.find('"')));
-  }
-  const size_t point = name.rfind('.');
-  return std::string(point == std::string_view::npos ? name : name.substr(point + 1));
-}
-
-dao::ColumnSchema DescribeOutput(sqlite3_stmt* statement, int position) {
-  const char* name = sqlite3_column_name(statement, position);
-  const char* type = sqlite3_column_decltype(statement, position);
-  if (!name) throw std::bad_alloc();
-  return ReadDeclaredType(name, type ? type : "").value_or(dao::ColumnSchema{.name = name});
-}
-
 }  // namespace
 
 void DatabaseCloser::operator()(sqlite3* db) const {
@@ -65,15 +41,16 @@ Connection::Connection(DatabaseHandle db, std::string path)
     : path_(std::move(path)),
       db_(std::move(db)),
       schema_(db_.get()),
-      begin_(PrepareSql("BEGIN IMMEDIATE")),
-      commit_(PrepareSql("COMMIT")) {}
+      compiler_(db_.get(), schema_),
+      begin_(compiler_.Prepare("BEGIN IMMEDIATE")),
+      commit_(compiler_.Prepare("COMMIT")) {}
 
 Connection::~Connection() {
   for (Query* query : queries_) query->Abandon();
 }
 
-int Connection::Execute(std::string_view sql, bool skip_failing_rows) {
-  const auto statement = Prepare(sql, skip_failing_rows);
+int Connection::Execute(std::string_view sql, dao::RunMode mode) {
+  const auto statement = Prepare(sql, mode);
   const StatementKind kind = statement->GetPlan().kind;
   if (kind == StatementKind::Select) dao::Throw(dao::Error::NotAnActionQuery);
   const int changed = Write(statement->Handle());
@@ -83,7 +60,7 @@ int Connection::Execute(std::string_view sql, bool skip_failing_rows) {
 }
 
 std::unique_ptr<dao::Query> Connection::Open(std::string_view sql) {
-  auto statement = Prepare(sql, false);
+  auto statement = Prepare(sql, dao::RunMode::WholeStatement);
   if (statement->GetPlan().kind != StatementKind::Select) {
     dao::Throw(dao::Error::InvalidOperation);
   }
@@ -105,102 +82,25 @@ void Connection::SetPassword(std::string_view password) {
   Run("PRAGMA journal_mode = WAL");
 }
 
-std::unique_ptr<Statement> Connection::Prepare(std::string_view sql, bool skip_failing_rows) {
+std::unique_ptr<Statement> Connection::Prepare(std::string_view sql, dao::RunMode mode) {
+  StatementCache& cache = mode == dao::RunMode::SkipFailingRows ? skipping_ : whole_;
   shape_.Scan(sql);
-  const std::span<const jet::Literal> literals = shape_.Literals();
-  key_.assign(1, skip_failing_rows ? 'i' : 'f').append(shape_.Key());
-  auto statement = statements_.Take(key_);
-  if (!statement) statement = Compile(key_, literals, skip_failing_rows);
-  BindLiterals(db_.get(), statement->Handle(), literals);
+  auto statement = cache.Take(shape_.Key());
+  if (!statement) {
+    auto compiled =
+        compiler_.Compile(shape_.Key(), shape_.Literals(), mode, cache.FindPlan(shape_.Key()));
+    statement = std::move(compiled.statement);
+    if (compiled.serves_others) cache.Adopt(shape_.Key(), *statement);
+  }
+  BindLiterals(db_.get(), statement->Handle(), shape_.Literals());
   return statement;
 }
 
 std::unique_ptr<Statement> Connection::PrepareOwn(const std::string& sql) {
-  key_.assign(1, 'o').append(sql);
-  if (auto statement = statements_.Take(key_)) return statement;
-  auto statement = std::make_unique<Statement>(std::make_shared<Plan>(), PrepareSql(sql));
-  statements_.Adopt(key_, *statement);
+  if (auto statement = own_.Take(sql)) return statement;
+  auto statement = std::make_unique<Statement>(std::make_shared<Plan>(), compiler_.Prepare(sql));
+  own_.Adopt(sql, *statement);
   return statement;
-}
-
-std::unique_ptr<Statement> Connection::Compile(std::string_view key,
-                                               std::span<const jet::Literal> literals,
-                                               bool skip_failing_rows) {
-  const jet::Statement tree = jet::Parse(key.substr(1), literals);
-  PrintOptions options;
-  options.skip_failing_rows = skip_failing_rows;
-  if (literals.size() > kMostParameters) options.inline_literals = literals;
-  Printed printed;
-  StatementHandle handle = PrepareTree(tree, options, printed);
-
-  auto plan = statements_.FindPlan(key);
-  if (!plan) plan = MakePlan(handle.get(), printed);
-  auto statement = std::make_unique<Statement>(plan, std::move(handle));
-  // A schema statement's literals are part of what it means, so another one must not find it.
-  const bool is_shape = options.inline_literals.empty() && printed.kind != StatementKind::Schema;
-  if (is_shape) statements_.Adopt(key, *statement);
-  return statement;
-}
-
-// The engine names one unknown column at a time; the dialect's error counts them all.
-StatementHandle Connection::PrepareTree(const jet::Statement& tree, PrintOptions options,
-                                        Printed& printed) {
-  std::vector<std::string> unknown;
-  for (;;) {
-    options.unknown_columns = unknown;
-    printed = Print(tree, *this, options);
-    try {
-      StatementHandle handle = PrepareSql(printed.sql);
-      if (unknown.empty()) return handle;
-      break;
-    } catch (const CDaoException&) {
-      const std::string_view message = sqlite3_errmsg(db_.get());
-      if (!message.starts_with(kUnknownColumn)) throw;
-      std::string column = UnknownColumn(message);
-      if (std::find(unknown.begin(), unknown.end(), column) != unknown.end()) break;
-      unknown.push_back(std::move(column));
-    }
-  }
-  dao::Throw(dao::Error::TooFewParameters, std::to_string(unknown.size()));
-}
-
-StatementHandle Connection::PrepareSql(const std::string& sql) {
-  sqlite3_stmt* raw = nullptr;
-  const int code = sqlite3_prepare_v3(db_.get(), sql.c_str(), static_cast<int>(sql.size()) + 1,
-                                      SQLITE_PREPARE_PERSISTENT, &raw, nullptr);
-  StatementHandle handle(raw);
-  Check(db_.get(), code, path_);
-  return handle;
-}
-
-std::shared_ptr<const Plan> Connection::MakePlan(sqlite3_stmt* statement,
-                                                 const Printed& printed) const {
-  auto plan = std::make_shared<Plan>();
-  plan->kind = printed.kind;
-  plan->editable_table = printed.editable_table;
-  const int hidden = printed.editable_table.empty() ? 0 : 1;
-  const int shown = sqlite3_column_count(statement) - hidden;
-  std::vector<dao::ColumnSchema> columns;
-  columns.reserve(static_cast<size_t>(shown));
-  for (int i = 0; i < shown; ++i) columns.push_back(DescribeOutput(statement, i));
-  plan->columns = dao::ColumnTable(std::move(columns));
-  DescribeRows(*plan);
-  return plan;
-}
-
-// How a row of an updatable query is found again: possible when all it shows are table columns.
-void Connection::DescribeRows(Plan& plan) const {
-  const dao::TableSchema* table =
-      plan.editable_table.empty() ? nullptr : schema_.Find(plan.editable_table);
-  if (!table) return;
-  std::string list;
-  for (int i = 0; i < plan.columns.Count(); ++i) {
-    const dao::ColumnSchema* column = table->Find(plan.columns.At(i).name);
-    if (!column) return;
-    if (column->key) plan.key_columns.push_back(i);
-    list += (list.empty() ? "\"" : ", \"") + column->name + "\"";
-  }
-  plan.row_sql = "SELECT " + list + " FROM \"" + table->name + "\" WHERE rowid = ?1";
 }
 
 TableWriter& Connection::Writer(const std::string& table) {
@@ -256,7 +156,7 @@ void Connection::Commit() {
 
 void Connection::SchemaChanged() {
   writers_.clear();
-  statements_.Clear();
+  for (StatementCache* cache : {&whole_, &skipping_, &own_}) cache->Clear();
   schema_.Clear();
 }
 

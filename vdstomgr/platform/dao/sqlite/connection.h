@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -9,6 +8,7 @@
 
 #include "vdstomgr/platform/dao/engine.h"
 #include "vdstomgr/platform/dao/jet/shape.h"
+#include "vdstomgr/platform/dao/sqlite/compiler.h"
 #include "vdstomgr/platform/dao/sqlite/schema_cache.h"
 #include "vdstomgr/platform/dao/sqlite/statement_cache.h"
 
@@ -31,25 +31,22 @@ class Connection final : public dao::Connection {
   Connection(DatabaseHandle db, std::string path);
   ~Connection() override;
 
-  int Execute(std::string_view sql, bool skip_failing_rows) override;
+  int Execute(std::string_view sql, dao::RunMode mode) override;
   std::unique_ptr<dao::Query> Open(std::string_view sql) override;
   void BeginGroup() override { ++group_depth_; }
   void EndGroup() override;
   void SetPassword(std::string_view password) override;
-  const dao::TableSchema* FindTable(std::string_view name) const override {
-    return schema_.Find(name);
-  }
 
   sqlite3* Handle() const { return db_.get(); }
 
   /// A statement of the given text in the dialect, its literals bound.
-  std::unique_ptr<Statement> Prepare(std::string_view sql, bool skip_failing_rows);
+  std::unique_ptr<Statement> Prepare(std::string_view sql, dao::RunMode mode);
 
   /// A statement of SQL in the engine's own dialect that this library composed, cached by its text.
   std::unique_ptr<Statement> PrepareOwn(const std::string& sql);
 
-  /// Compiles SQL in the engine's own dialect.
-  StatementHandle PrepareSql(const std::string& sql);
+  /// The same, for the caller to keep.
+  StatementHandle PrepareToKeep(const std::string& sql) { return compiler_.Prepare(sql); }
 
   /// The writer of a table's rows.
   TableWriter& Writer(const std::string& table);
@@ -64,11 +61,6 @@ class Connection final : public dao::Connection {
   void Delist(Query* query) { std::erase(queries_, query); }
 
  private:
-  std::unique_ptr<Statement> Compile(std::string_view key, std::span<const jet::Literal> literals,
-                                     bool skip_failing_rows);
-  StatementHandle PrepareTree(const jet::Statement& tree, PrintOptions options, Printed& printed);
-  std::shared_ptr<const Plan> MakePlan(sqlite3_stmt* statement, const Printed& printed) const;
-  void DescribeRows(Plan& plan) const;
   void Run(const char* sql);
   void Begin();
   void Commit();
@@ -77,9 +69,11 @@ class Connection final : public dao::Connection {
   std::string path_;
   DatabaseHandle db_;
   SchemaCache schema_;
-  StatementCache statements_;
-  jet::Shape shape_;
-  std::string key_;  // the shape's key with the way of running in front; kept for its memory
+  Compiler compiler_;
+  StatementCache whole_;  // by run mode
+  StatementCache skipping_;
+  StatementCache own_;  // SQL in the engine's own dialect
+  jet::Shape shape_;    // kept for its memory
   std::unordered_map<std::string, std::unique_ptr<TableWriter>> writers_;
   std::vector<Query*> queries_;
   StatementHandle begin_;

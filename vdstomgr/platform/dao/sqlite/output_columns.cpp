@@ -1,15 +1,13 @@
 #include "vdstomgr/platform/dao/sqlite/output_columns.h"
+#include "vdstomgr/platform/text/ascii.h"
 
 #include <algorithm>
 #include <utility>
-
-#include "vdstomgr/platform/dao/column_table.h"
 
 namespace vdstomgr::sqlite {
 namespace {
 
 using dao::ColumnType;
-using dao::SameName;
 
 constexpr int kFirstExpressionNumber = 1000;
 

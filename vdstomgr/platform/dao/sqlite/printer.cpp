@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "vdstomgr/platform/dao/column_table.h"
 #include "vdstomgr/platform/dao/sqlite/sql_printer.h"
+#include "vdstomgr/platform/text/ascii.h"
 
 namespace vdstomgr::sqlite {
 namespace {
@@ -11,7 +11,7 @@ namespace {
 bool IsOwnColumn(const jet::SelectItem& item) {
   if (item.all) return true;
   const auto* column = std::get_if<jet::ColumnRef>(&item.value.node);
-  return column && (item.alias.empty() || dao::SameName(item.alias, column->name));
+  return column && (item.alias.empty() || SameName(item.alias, column->name));
 }
 
 // The one source whose rows the query shows as they are, or null.

@@ -1,9 +1,9 @@
 #include <algorithm>
 
-#include "vdstomgr/platform/dao/column_table.h"
 #include "vdstomgr/platform/dao/dao_error.h"
 #include "vdstomgr/platform/dao/sqlite/sql_printer.h"
 #include "vdstomgr/platform/dao/sqlite/sql_text.h"
+#include "vdstomgr/platform/text/ascii.h"
 
 namespace vdstomgr::sqlite {
 namespace {
@@ -37,7 +37,7 @@ Columns Destinations(const jet::Insert& insert, const TableSchema& table) {
 // Without a list of columns the rows go by position; names that disagree would be a mistake.
 void CheckNames(const std::vector<OutputColumn>& outputs, const Columns& columns) {
   for (size_t i = 0; i < outputs.size(); ++i) {
-    if (!dao::SameName(outputs[i].name, columns[i]->name)) {
+    if (!SameName(outputs[i].name, columns[i]->name)) {
       dao::Throw(Error::UnknownInsertField, outputs[i].name);
     }
   }
@@ -131,7 +131,7 @@ const VisibleSource& SqlPrinter::DeleteTarget(const jet::Delete& statement,
     dao::Throw(Error::SyntaxInFrom, "DELETE");  // which of them?
   }
   const auto target = std::find_if(sources.begin(), sources.end(), [&](const auto& source) {
-    return statement.target.empty() || dao::SameName(source.name, statement.target);
+    return statement.target.empty() || SameName(source.name, statement.target);
   });
   if (target == sources.end()) dao::Throw(Error::UnknownTable, statement.target);
   if (!target->table) dao::Throw(Error::NotUpdatable);

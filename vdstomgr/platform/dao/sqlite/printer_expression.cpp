@@ -2,10 +2,10 @@
 #include <array>
 #include <charconv>
 
-#include "vdstomgr/platform/dao/column_table.h"
 #include "vdstomgr/platform/dao/dao_error.h"
 #include "vdstomgr/platform/dao/sqlite/sql_printer.h"
 #include "vdstomgr/platform/dao/sqlite/sql_text.h"
+#include "vdstomgr/platform/text/ascii.h"
 #include "vdstomgr/platform/text/case_folding.h"
 
 namespace vdstomgr::sqlite {
@@ -185,9 +185,8 @@ std::string SqlPrinter::Node(const jet::ColumnRef& column) const {
   const bool qualified = !column.table.empty();
   const std::string full_name = qualified ? column.table + "." + column.name : column.name;
   const auto& unknown = options_.unknown_columns;
-  const bool is_unknown = std::any_of(unknown.begin(), unknown.end(), [&](const auto& name) {
-    return dao::SameName(name, full_name);
-  });
+  const bool is_unknown = std::any_of(unknown.begin(), unknown.end(),
+                                      [&](const auto& name) { return SameName(name, full_name); });
   if (is_unknown) return "NULL";
   return qualified ? QuoteName(column.table) + "." + QuoteName(column.name)
                    : QuoteName(column.name);

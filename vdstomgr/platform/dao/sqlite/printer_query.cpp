@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <array>
 
-#include "vdstomgr/platform/dao/column_table.h"
 #include "vdstomgr/platform/dao/dao_error.h"
 #include "vdstomgr/platform/dao/sqlite/sql_printer.h"
 #include "vdstomgr/platform/dao/sqlite/sql_text.h"
+#include "vdstomgr/platform/text/ascii.h"
 
 namespace vdstomgr::sqlite {
 namespace {
@@ -24,7 +24,7 @@ size_t FindOutput(const jet::Expr& key, std::span<const OutputColumn> outputs) {
   const auto* column = std::get_if<jet::ColumnRef>(&key.node);
   if (!column || !column->table.empty()) return outputs.size();
   const auto found = std::find_if(outputs.begin(), outputs.end(), [&](const OutputColumn& output) {
-    return dao::SameName(output.name, column->name);
+    return SameName(output.name, column->name);
   });
   return static_cast<size_t>(found - outputs.begin());
 }

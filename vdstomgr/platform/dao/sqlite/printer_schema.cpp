@@ -2,10 +2,10 @@
 #include <array>
 #include <charconv>
 
-#include "vdstomgr/platform/dao/column_table.h"
 #include "vdstomgr/platform/dao/dao_error.h"
 #include "vdstomgr/platform/dao/sqlite/sql_printer.h"
 #include "vdstomgr/platform/dao/sqlite/sql_text.h"
+#include "vdstomgr/platform/text/ascii.h"
 #include "vdstomgr/platform/text/case_folding.h"
 
 namespace vdstomgr::sqlite {
@@ -131,9 +131,8 @@ std::optional<ColumnSchema> ReadDeclaredType(std::string_view name,
     column.size = *size;
     return column;
   }
-  const auto* known =
-      std::find_if(kDeclaredTypes.begin(), kDeclaredTypes.end(),
-                   [&](const auto& t) { return dao::SameName(t.text, declared_type); });
+  const auto* known = std::find_if(kDeclaredTypes.begin(), kDeclaredTypes.end(),
+                                   [&](const auto& t) { return SameName(t.text, declared_type); });
   if (known == kDeclaredTypes.end()) return std::nullopt;
   column.type = known->type;
   return column;

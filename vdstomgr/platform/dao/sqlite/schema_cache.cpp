@@ -2,21 +2,13 @@
 
 #include <sqlite3.h>
 
-#include <algorithm>
-
 #include "vdstomgr/platform/dao/sqlite/errors.h"
 #include "vdstomgr/platform/dao/sqlite/printer.h"
 #include "vdstomgr/platform/dao/sqlite/statement_cache.h"
+#include "vdstomgr/platform/text/ascii.h"
 
 namespace vdstomgr::sqlite {
 namespace {
-
-std::string LowerCase(std::string_view name) {
-  std::string lower(name);
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-  return lower;
-}
 
 std::string ColumnText(sqlite3_stmt* statement, int column) {
   const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
@@ -34,8 +26,8 @@ dao::ColumnSchema ReadColumn(sqlite3_stmt* row) {
 
 }  // namespace
 
-const dao::TableSchema* SchemaCache::Find(std::string_view name) const {
-  const std::string key = LowerCase(name);
+const dao::TableSchema* SchemaCache::FindTable(std::string_view name) const {
+  const std::string key = AsciiLowered(name);
   if (const auto known = tables_.find(key); known != tables_.end()) return &known->second;
 
   sqlite3_stmt* raw = nullptr;

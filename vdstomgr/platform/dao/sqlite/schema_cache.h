@@ -11,11 +11,11 @@ struct sqlite3;
 namespace vdstomgr::sqlite {
 
 /// The tables of the open file, read back from it on demand and kept until the schema changes.
-class SchemaCache {
+class SchemaCache final : public dao::SchemaView {
  public:
   explicit SchemaCache(sqlite3* db) : db_(db) {}
 
-  const dao::TableSchema* Find(std::string_view name) const;
+  const dao::TableSchema* FindTable(std::string_view name) const override;
   void Clear() { tables_.clear(); }
 
  private:

@@ -1,16 +1,12 @@
 #include "vdstomgr/platform/dao/sqlite/sql_text.h"
-
-#include "vdstomgr/platform/dao/column_table.h"
+#include "vdstomgr/platform/text/ascii.h"
 
 namespace vdstomgr::sqlite {
 namespace {
 
 std::string Quote(std::string_view text, char quote) {
   std::string quoted(1, quote);
-  for (const char byte : text) {
-    if (byte == quote) quoted += quote;
-    quoted += byte;
-  }
+  AppendDoubled(quoted, text, quote);
   return quoted += quote;
 }
 
@@ -24,8 +20,7 @@ std::string QuoteText(std::string_view text) {
 }
 
 bool IsRowidName(std::string_view name) {
-  return dao::SameName(name, "rowid") || dao::SameName(name, "_rowid_") ||
-         dao::SameName(name, "oid");
+  return SameName(name, "rowid") || SameName(name, "_rowid_") || SameName(name, "oid");
 }
 
 }  // namespace vdstomgr::sqlite

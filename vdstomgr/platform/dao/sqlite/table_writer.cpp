@@ -4,30 +4,12 @@
 
 #include "vdstomgr/platform/dao/sqlite/connection.h"
 #include "vdstomgr/platform/dao/sqlite/errors.h"
+#include "vdstomgr/platform/dao/sqlite/sql_text.h"
 
 namespace vdstomgr::sqlite {
 namespace {
 
 constexpr size_t kMostForms = 32;  // sets of columns per table; more would be a misuse
-
-std::string Quote(std::string_view name) {
-  std::string quoted = "\"";
-  for (const char c : name) {
-    if (c == '"') quoted += c;
-    quoted += c;
-  }
-  return quoted += '"';
-}
-
-template <class Item>
-std::string Join(const std::vector<std::string>& columns, Item item) {
-  std::string list;
-  for (size_t i = 0; i < columns.size(); ++i) {
-    if (i > 0) list += ", ";
-    list += item(columns[i], std::to_string(i + 1));
-  }
-  return list;
-}
 
 int BindValue(sqlite3_stmt* statement, int place, const dao::Value& value) {
   const auto size = static_cast<sqlite3_uint64>(value.bytes.size());
@@ -77,7 +59,7 @@ void TableWriter::Update(const std::shared_ptr<const Plan>& plan, const dao::Row
 
 void TableWriter::Delete(std::int64_t key) {
   const auto statement =
-      connection_.PrepareOwn("DELETE FROM " + Quote(table_) + " WHERE rowid = ?1");
+      connection_.PrepareOwn("DELETE FROM " + QuoteName(table_) + " WHERE rowid = ?1");
   Check(connection_.Handle(), sqlite3_bind_int64(statement->Handle(), 1, key), "");
   if (connection_.Write(statement->Handle()) == 0) dao::Throw(dao::Error::RecordDeleted);
 }
@@ -93,27 +75,24 @@ sqlite3_stmt* TableWriter::FormFor(std::vector<Form>& forms,
     if (row.is_set[i]) columns.push_back(plan->columns.At(static_cast<int>(i)).name);
   }
   if (forms.size() >= kMostForms) forms.erase(forms.begin());
-  StatementHandle statement = connection_.PrepareSql((this->*write_sql)(columns));
+  StatementHandle statement = connection_.PrepareToKeep((this->*write_sql)(columns));
   forms.push_back(Form{plan, row.is_set, std::move(statement)});
   return forms.back().statement.get();
 }
 
 std::string TableWriter::InsertSql(const std::vector<std::string>& columns) const {
-  if (columns.empty()) return "INSERT INTO " + Quote(table_) + " DEFAULT VALUES";
-  const auto name = [](const std::string& column, const std::string&) { return Quote(column); };
-  const auto place = [](const std::string&, const std::string& number) { return "?" + number; };
-  return "INSERT INTO " + Quote(table_) + " (" + Join(columns, name) + ") VALUES (" +
-         Join(columns, place) + ")";
+  const std::string head = "INSERT INTO " + QuoteName(table_);
+  if (columns.empty()) return head + " DEFAULT VALUES";
+  const auto place = [](const std::string&) { return "?"; };
+  return head + " (" + Join(columns, ", ", QuoteName) + ") VALUES (" + Join(columns, ", ", place) +
+         ")";
 }
 
 std::string TableWriter::UpdateSql(const std::vector<std::string>& columns) const {
-  const auto assign = [](const std::string& column, const std::string& number) {
-    return Quote(column) + " = ?" + number;
-  };
-  const std::string key_place = "?" + std::to_string(columns.size() + 1);
+  const auto assign = [](const std::string& column) { return QuoteName(column) + " = ?"; };
   // Without a column to set there is nothing to run, but the form must still be a statement.
-  const std::string list = columns.empty() ? "rowid = rowid" : Join(columns, assign);
-  return "UPDATE " + Quote(table_) + " SET " + list + " WHERE rowid = " + key_place;
+  const std::string list = columns.empty() ? "rowid = rowid" : Join(columns, ", ", assign);
+  return "UPDATE " + QuoteName(table_) + " SET " + list + " WHERE rowid = ?";
 }
 
 }  // namespace vdstomgr::sqlite
