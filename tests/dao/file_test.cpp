@@ -1,5 +1,6 @@
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <fstream>
 #include <thread>
 
@@ -7,6 +8,8 @@
 #include "vdstomgr/platform/dao/engine.h"
 
 namespace {
+
+namespace fs = std::filesystem;
 
 class FileTest : public DatabaseTest {
  protected:
@@ -30,9 +33,10 @@ class FileTest : public DatabaseTest {
 
   std::vector<std::string> FilesInFolder() const {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+    for (const auto& entry : fs::directory_iterator(folder_)) {
       names.push_back(entry.path().filename().string());
     }
+    std::sort(names.begin(), names.end());
     return names;
   }
 };
@@ -65,15 +69,42 @@ TEST_F(FileTest, PasswordsAndForeignFilesEachHaveTheirError) {
   EXPECT_EQ(NumberOf([&] { CDaoDatabase().Create(Path("no/such/x").c_str()); }), 3044);
 }
 
+TEST_F(FileTest, WhatIsNoFileNameMakesAndDeletesNothing) {
+  fs::current_path(folder_);  // where such names would leave their files
+  fs::create_directory("folder");
+  fs::create_symlink("no drive/a.vdb", "link");
+  for (const char* file : {"file:", "x"}) std::ofstream(file) << "kept";
+  const Lines before = FilesInFolder();
+  const struct {
+    const char* name;
+    int created;
+    int opened;
+  } kCases[] = {{"", 3044, 3044},       {nullptr, 3044, 3044},   {":memory:", 3044, 3044},
+                {"file:", 3044, 3044},  {"file:x", 3044, 3044},  {"file:a?mode=memory", 3044, 3044},
+                {"folder", 3044, 3343}, {"folder/", 3044, 3343}, {"new/", 3044, 3044},
+                {"x/", 3044, 3044},     {"x/a.vdb", 3044, 3044}, {"link", 3044, 3044},
+                {"x", 3204, 3343}};
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.name == nullptr ? "null" : c.name);
+    CDaoDatabase db;
+    EXPECT_EQ(NumberOf([&] { db.Create(c.name); }), c.created);
+    EXPECT_EQ(NumberOf([&] { db.Open(c.name); }), c.opened);
+    EXPECT_FALSE(db.IsOpen());
+  }
+  for (const char* name : {"", ":memory:", "file:", "folder", "folder/"}) {
+    EXPECT_FALSE(vdstomgr::dao::DeleteDatabase(name)) << name;
+  }
+  EXPECT_EQ(FilesInFolder(), before);
+}
+
 TEST_F(FileTest, AFileThatLostItsTailIsRefused) {
   MakeTable(200);
   db_.Close();
-  const auto size = std::filesystem::file_size(Path());
+  const auto size = fs::file_size(Path());
   for (const auto kept :
        {size - 1, size - 4096, size / 2, std::uintmax_t{4096}, std::uintmax_t{101}}) {
-    std::filesystem::copy_file(Path(), Path("cut.vdb"),
-                               std::filesystem::copy_options::overwrite_existing);
-    std::filesystem::resize_file(Path("cut.vdb"), kept);
+    fs::copy_file(Path(), Path("cut.vdb"), fs::copy_options::overwrite_existing);
+    fs::resize_file(Path("cut.vdb"), kept);
     EXPECT_EQ(OpenError("", "cut.vdb"), 3049) << kept;
   }
   EXPECT_EQ(OpenError(), 0);

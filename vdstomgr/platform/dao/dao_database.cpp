@@ -8,6 +8,7 @@
 
 using vdstomgr::AppendUtf8;
 using vdstomgr::ToUtf8;
+using vdstomgr::ViewOf;
 using vdstomgr::dao::Error;
 using vdstomgr::dao::RunMode;
 using vdstomgr::dao::Throw;
@@ -29,15 +30,15 @@ CDaoDatabase::~CDaoDatabase() = default;
 
 void CDaoDatabase::Create(const char* name, const char*, int) {
   if (IsOpen()) Throw(Error::InvalidOperation);
-  m_pConnection = vdstomgr::dao::CreateDatabase(ToUtf8(name));
+  m_pConnection = vdstomgr::dao::CreateDatabase(ToUtf8(ViewOf(name)));
   m_strName = name;
   m_strPassword.Empty();
 }
 
 void CDaoDatabase::Open(const char* name, bool, bool, const char* connect) {
   if (IsOpen()) Throw(Error::InvalidOperation);
-  const std::string_view password = PasswordOf(connect);
-  m_pConnection = vdstomgr::dao::OpenDatabase(ToUtf8(name), ToUtf8(password));
+  const std::string_view password = PasswordOf(ViewOf(connect));
+  m_pConnection = vdstomgr::dao::OpenDatabase(ToUtf8(ViewOf(name)), ToUtf8(password));
   m_strName = name;
   m_strPassword = CString(password);
 }
@@ -50,7 +51,7 @@ void CDaoDatabase::Execute(const char* sql, int options) {
   m_nRecordsAffected = 0;
   vdstomgr::dao::Connection& connection = Connection();
   m_statement.clear();
-  AppendUtf8(sql, m_statement);
+  AppendUtf8(ViewOf(sql), m_statement);
   const bool fails_whole = (options & dbFailOnError) != 0;
   m_nRecordsAffected = connection.Execute(
       m_statement, fails_whole ? RunMode::WholeStatement : RunMode::SkipFailingRows);
@@ -58,7 +59,7 @@ void CDaoDatabase::Execute(const char* sql, int options) {
 
 void CDaoDatabase::NewPassword(const char* old_password, const char* new_password) {
   if (m_strPassword != old_password) Throw(Error::InvalidPassword);
-  Connection().SetPassword(ToUtf8(new_password));
+  Connection().SetPassword(ToUtf8(ViewOf(new_password)));
   m_strPassword = new_password;
 }
 

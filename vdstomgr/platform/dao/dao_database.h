@@ -16,7 +16,8 @@ inline constexpr int dbFailOnError = 128;
 inline constexpr int dbVersion40 = 64;
 
 /// One open database file, driven by statements in the dialect. Text arguments are in the process's
-/// code page. Failures are thrown as CDaoException. Not locked: its owner serialises the calls.
+/// code page; null is an empty text. Failures are thrown as CDaoException. Not locked: its owner
+/// serialises the calls.
 class VDSTO_API CDaoDatabase {
  public:
   CDaoDatabase();
@@ -25,7 +26,7 @@ class VDSTO_API CDaoDatabase {
   CDaoDatabase& operator=(const CDaoDatabase&) = delete;
 
   /// Makes a new file and leaves it open. `locale` and `options` change nothing: there is one text
-  /// order and one format. Throws 3204 when the file exists.
+  /// order and one format. Throws 3204 when the file exists, 3044 when `name` is no file's name.
   virtual void Create(const char* name, const char* locale = "", int options = 0);
 
   /// Opens a file for reading and writing. `connect` may hold ";PWD=password".

@@ -90,7 +90,7 @@ CDaoRecordset::~CDaoRecordset() = default;
 
 void CDaoRecordset::Open(int, const char* sql, int) {
   if (IsOpen()) Throw(Error::InvalidOperation);
-  m_pQuery = m_pDatabase->Connection().Open(ToUtf8(sql));
+  m_pQuery = m_pDatabase->Connection().Open(ToUtf8(ViewOf(sql)));
 }
 
 void CDaoRecordset::Close() {
@@ -119,7 +119,7 @@ void CDaoRecordset::Move(int rows) {
 }
 
 COleVariant CDaoRecordset::GetFieldValue(const char* column) {
-  return GetFieldValue(Query().Columns().Find(ToUtf8(column)));
+  return GetFieldValue(Query().Columns().Find(ToUtf8(ViewOf(column))));
 }
 
 COleVariant CDaoRecordset::GetFieldValue(int position) {
@@ -151,7 +151,7 @@ void CDaoRecordset::StartEdit(EditMode mode) {
 }
 
 void CDaoRecordset::SetFieldValue(const char* column, const COleVariant& value) {
-  const int position = Query().Columns().Find(ToUtf8(column));
+  const int position = Query().Columns().Find(ToUtf8(ViewOf(column)));
   Convert(value, Query().Columns().At(position), Draft().Set(position));
 }
 
@@ -160,7 +160,7 @@ void CDaoRecordset::SetFieldValue(const char* column, const char* text) {
 }
 
 void CDaoRecordset::SetFieldValueNull(const char* column) {
-  Draft().Set(Query().Columns().Find(ToUtf8(column))).SetNull();
+  Draft().Set(Query().Columns().Find(ToUtf8(ViewOf(column)))).SetNull();
 }
 
 void CDaoRecordset::Update() {

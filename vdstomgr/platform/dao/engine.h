@@ -85,7 +85,8 @@ class Connection {
 };
 
 /// Opens an existing database file for reading and writing. Throws FileNotFound, InvalidPassword,
-/// NotADatabase, FileDamaged, FileNotAccessible, DiskFull, InvalidPath...
+/// NotADatabase, FileDamaged, FileNotAccessible, DiskFull, and InvalidPath for what is no file
+/// name.
 std::unique_ptr<Connection> OpenDatabase(const std::string& path, std::string_view password);
 
 /// Makes a new, empty database file without a password. Throws DatabaseExists, InvalidPath,
@@ -94,7 +95,7 @@ std::unique_ptr<Connection> CreateDatabase(const std::string& path);
 
 /// Deletes a database file with its companions. Returns false when the file is still there: because
 /// the system refuses, because it is open as a database, in this process or another, or because
-/// that cannot be told.
+/// that cannot be told. False too for what is no file name.
 bool DeleteDatabase(const std::string& path);
 
 }  // namespace vdstomgr::dao

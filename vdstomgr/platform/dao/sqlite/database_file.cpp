@@ -20,7 +20,14 @@ NameKind Look(const std::string& path) {
 
 }  // namespace
 
+// To the engine "" is a temporary database and ":memory:" one without a file; it keeps other names
+// with a colon in front for itself, and may have been built to take "file:" for an address.
+bool IsFileName(std::string_view path) {
+  return !path.empty() && !path.starts_with(':') && !path.starts_with("file:");
+}
+
 void RequireFile(const std::string& path) {
+  if (!IsFileName(path)) Throw(Error::InvalidPath, path);
   switch (Look(path)) {
     case NameKind::file:
       return;
@@ -35,6 +42,7 @@ void RequireFile(const std::string& path) {
 }
 
 void MakeFile(const std::string& path) {
+  if (!IsFileName(path)) Throw(Error::InvalidPath, path);
   switch (Look(path)) {
     case NameKind::missing:
       break;
@@ -47,6 +55,8 @@ void MakeFile(const std::string& path) {
   }
   std::unique_ptr<os::ExclusiveFile> file;
   if (const auto error = os::Files().CreateNew(path, os::Caching::normal, file)) {
+    // Some folders hold what the system makes and nothing else.
+    if (error == std::errc::no_such_file_or_directory) Throw(Error::FileNotAccessible, path);
     ThrowFileError(error, path);
   }
 }

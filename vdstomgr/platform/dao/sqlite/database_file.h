@@ -1,10 +1,14 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 /// The file that a database is in, as the file system sees it. Paths are UTF-8. Nothing here opens
 /// a file that exists: closing it again would drop the engine's locks on it.
 namespace vdstomgr::sqlite {
+
+/// Can a file have that name? The engine would make something else of the names that it refuses.
+bool IsFileName(std::string_view path);
 
 /// Throws FileNotFound, InvalidPath, NotADatabase or FileNotAccessible unless `path` names an
 /// ordinary file.

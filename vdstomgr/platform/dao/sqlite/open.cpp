@@ -160,6 +160,7 @@ std::unique_ptr<Connection> CreateDatabase(const std::string& path) {
 }
 
 bool DeleteDatabase(const std::string& path) {
+  if (!IsFileName(path)) return false;
   try {
     if (IsGone(path)) return true;
     RequireFile(path);
