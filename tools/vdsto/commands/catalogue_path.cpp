@@ -12,8 +12,6 @@
 namespace vdsto {
 namespace {
 
-constexpr uint32_t kNoFolder = 0xFFFFFFFF;
-
 /// The catalogue's names disregard case; a user's words do not.
 void AddNamed(Library& library, uint32_t folder, const std::string& name,
               vdstomgr::PhotoArray& photos) {
@@ -31,7 +29,7 @@ void AddNamed(Library& library, uint32_t folder, const std::string& name,
 }  // namespace
 
 uint32_t CataloguePath::Folder(const std::string& path) {
-  uint32_t folder = kPersonalRoot;
+  uint32_t folder = vdstomgr::kPersonalRoot;
   if (!FindFolder(path, folder)) {
     throw ToolError(ExitCode::kNotFound, "no folder " + Printable(path) + " in the catalogue");
   }
@@ -40,14 +38,15 @@ uint32_t CataloguePath::Folder(const std::string& path) {
 
 bool CataloguePath::FindFolder(const std::string& path, uint32_t& folder) {
   const std::string wanted = Composed(path);
-  if (wanted.find_first_not_of('/') == std::string::npos) return folder = kPersonalRoot, true;
+  if (wanted.find_first_not_of('/') == std::string::npos)
+    return folder = vdstomgr::kPersonalRoot, true;
   const auto look_up = [&](const std::string& full_path) {
     folder = library_.Call(
         [&](auto& catalogue) { return catalogue.GetFolderIDFromPath(full_path.c_str()); });
-    return folder != kNoFolder;
+    return folder != vdstomgr::kNoFolder;
   };
-  const CString root =
-      library_.Call([](auto& catalogue) { return catalogue.GetFolderName(kPersonalRoot); });
+  const CString root = library_.Call(
+      [](auto& catalogue) { return catalogue.GetFolderName(vdstomgr::kPersonalRoot); });
   return look_up(Joined(root, wanted)) || look_up(wanted);
 }
 
@@ -82,7 +81,7 @@ bool CataloguePath::FindBySource(const std::string& text, PHOTOINFO& photo) {
 }
 
 bool CataloguePath::FindByPath(const std::string& text, PHOTOINFO& photo) {
-  uint32_t folder = kNoFolder;
+  uint32_t folder = vdstomgr::kNoFolder;
   const std::string parent = text.find('/') == std::string::npos ? "" : ParentOf(text);
   if (!FindFolder(parent, folder)) return false;
   vdstomgr::PhotoArray photos;
@@ -109,9 +108,10 @@ vdstomgr::PhotoArray CataloguePath::PhotosNamed(const std::string& name) {
   vdstomgr::FolderArray folders;
   library_.Call([&](auto& catalogue) { return catalogue.GetAllFolderList(folders); });
   vdstomgr::PhotoArray photos;
-  AddNamed(library_, kPersonalRoot, name, photos);
+  AddNamed(library_, vdstomgr::kPersonalRoot, name, photos);
   for (const FOLDERINFO& folder : folders) {
-    if (folder.dwFolderID != kPersonalRoot) AddNamed(library_, folder.dwFolderID, name, photos);
+    if (folder.dwFolderID != vdstomgr::kPersonalRoot)
+      AddNamed(library_, folder.dwFolderID, name, photos);
   }
   return photos;
 }
@@ -119,8 +119,8 @@ vdstomgr::PhotoArray CataloguePath::PhotosNamed(const std::string& name) {
 std::string CataloguePath::NameOf(uint32_t folder) {
   const CString path =
       library_.Call([&](auto& catalogue) { return catalogue.GetServerPathName(folder); });
-  const CString root =
-      library_.Call([](auto& catalogue) { return catalogue.GetFolderName(kPersonalRoot); });
+  const CString root = library_.Call(
+      [](auto& catalogue) { return catalogue.GetFolderName(vdstomgr::kPersonalRoot); });
   const std::string text = path.Str();
   return IsBelow(text, root.Str()) ? text.substr(root.Str().size() + 1) : text;
 }

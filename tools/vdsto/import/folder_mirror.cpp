@@ -38,7 +38,7 @@ std::string Ancestor(std::string path, int levels) {
 
 FolderMirror::FolderMirror(Library& library) : library_(library) {
   ReadFolders();
-  for (const FolderId top : ChildrenOf(kPersonalRoot)) {
+  for (const FolderId top : ChildrenOf(vdstomgr::kPersonalRoot)) {
     if (const std::string source = MainSource(top, kFoldersAsked); !source.empty()) {
       roots_.emplace_back(source, top);
     }
@@ -183,7 +183,8 @@ FolderMirror::Evidence FolderMirror::Judge(FolderId folder, const std::string& s
 FolderId FolderMirror::EnsureLocked(const std::string& source, const std::string& import_root) {
   if (const auto found = FindLocked(source)) return *found;
   const bool is_top = source == import_root && !IsBelowSomeRoot(source);
-  const FolderId parent = is_top ? kPersonalRoot : EnsureLocked(ParentOf(source), import_root);
+  const FolderId parent =
+      is_top ? vdstomgr::kPersonalRoot : EnsureLocked(ParentOf(source), import_root);
   // An import that was killed may have left the folder without a photo.
   const auto left_over = FindChild(parent, source);
   const FolderId id = left_over ? *left_over : Create(parent, source);

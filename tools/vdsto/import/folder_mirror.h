@@ -16,7 +16,6 @@
 namespace vdsto {
 
 using FolderId = uint32_t;
-inline constexpr FolderId kPersonalRoot = 0;
 
 /// Which catalogue folder mirrors which real folder. The catalogue keeps no such list; the photos'
 /// locations tell: a photo two levels below a top-level folder comes from two levels below that

@@ -5,7 +5,7 @@
 namespace vdsto {
 namespace {
 
-constexpr std::array<uint32_t, 3> kRoots{0, static_cast<uint32_t>(-10), static_cast<uint32_t>(-20)};
+constexpr std::array kRoots{vdstomgr::kPersonalRoot, vdstomgr::kPublicRoot, vdstomgr::kGuestRoot};
 
 class TreeReader {
  public:
@@ -13,7 +13,7 @@ class TreeReader {
     vdstomgr::CountArray counts;
     library.Call([&](auto& catalogue) { return catalogue.GetPhotoCountInFolders(counts); });
     for (const COUNTINFOLDER& count : counts) counts_[count.dwFolderID] = count.Count;
-    library.Call([&](auto& catalogue) { return AddBelow(catalogue, kNoParent); });
+    library.Call([&](auto& catalogue) { return AddBelow(catalogue, vdstomgr::kNoFolder); });
   }
 
   TreeFolder Read(const FOLDERINFO& folder) const {
@@ -26,11 +26,9 @@ class TreeReader {
     return result;
   }
 
-  const vdstomgr::FolderArray& TopLevel() { return children_[kNoParent]; }
+  const vdstomgr::FolderArray& TopLevel() { return children_[vdstomgr::kNoFolder]; }
 
  private:
-  static constexpr uint32_t kNoParent = 0xFFFFFFFF;
-
   /// Folders in a circle of parents are below nothing, so this ends.
   bool AddBelow(CRkPhotoDBManager& catalogue, uint32_t parent) {
     vdstomgr::FolderArray folders;
