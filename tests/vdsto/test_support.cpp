@@ -1,10 +1,14 @@
 #include "test_support.h"
 
 #include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
+#include <utmp.h>
 #include <vips/vips.h>
 
 #include <exiv2/exiv2.hpp>
@@ -20,6 +24,14 @@ extern "C" const char* __lsan_default_suppressions() {
 
 namespace vdsto_test {
 namespace fs = std::filesystem;
+
+namespace {
+
+int ExitCodeOf(int status) {
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+}  // namespace
 
 TempFolder::TempFolder() {
   std::string name = (fs::temp_directory_path() / "vdsto-test-XXXXXX").string();
@@ -72,12 +84,15 @@ void CutFile(const std::string& path, uint64_t size) {
   fs::resize_file(path, size);
 }
 
-Program::Program(std::vector<std::string> arguments, std::string password) : pid_(fork()) {
+Program::Program(std::vector<std::string> arguments, std::string password, std::string_view input) {
+  WriteFile(output_ / "in", input);
+  pid_ = fork();
   if (pid_ != 0) return;
   arguments.insert(arguments.begin(), VDSTO_PROGRAM);
   std::vector<char*> raw;
   for (std::string& argument : arguments) raw.push_back(argument.data());
   raw.push_back(nullptr);
+  dup2(open((output_ / "in").c_str(), O_RDONLY), STDIN_FILENO);
   dup2(open((output_ / "out").c_str(), O_CREAT | O_WRONLY, 0600), STDOUT_FILENO);
   dup2(open((output_ / "err").c_str(), O_CREAT | O_WRONLY, 0600), STDERR_FILENO);
   password.empty() ? unsetenv("VDSTO_PASSWORD") : setenv("VDSTO_PASSWORD", password.c_str(), 1);
@@ -97,12 +112,44 @@ void Program::Signal(int signal) const {
 Outcome Program::Wait() {
   int status = 0;
   waitpid(std::exchange(pid_, -1), &status, 0);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-          ReadFile(output_ / "out"), ReadFile(output_ / "err")};
+  return {ExitCodeOf(status), ReadFile(output_ / "out"), ReadFile(output_ / "err")};
 }
 
-Outcome RunVdsto(std::vector<std::string> arguments, std::string password) {
-  return Program(std::move(arguments), std::move(password)).Wait();
+Outcome RunVdsto(std::vector<std::string> arguments, std::string password, std::string_view input) {
+  return Program(std::move(arguments), std::move(password), input).Wait();
+}
+
+TerminalOutcome RunAtTerminal(const std::function<int()>& body, const std::string& prompt,
+                              const std::string& typed) {
+  int screen = -1;
+  int keyboard = -1;
+  if (openpty(&screen, &keyboard, nullptr, nullptr, nullptr) != 0)
+    throw std::runtime_error("no terminal");
+  const int pid = fork();
+  if (pid == 0) login_tty(keyboard), _exit(body());
+  TerminalOutcome result;
+  bool has_typed = false;
+  int status = 0;
+  const auto read_screen = [&] {
+    char text[256];
+    pollfd ready{screen, POLLIN, 0};
+    if (poll(&ready, 1, 20) > 0) {
+      const auto count = read(screen, text, sizeof text);
+      result.outcome.out.append(text, count > 0 ? static_cast<size_t>(count) : 0);
+    }
+  };
+  while (waitpid(pid, &status, WNOHANG) == 0) {
+    read_screen();
+    if (has_typed || result.outcome.out.find(prompt) == std::string::npos) continue;
+    has_typed = write(screen, typed.data(), typed.size()) > 0;
+  }
+  read_screen();
+  result.outcome.code = ExitCodeOf(status);
+  termios state{};
+  result.echoes = tcgetattr(keyboard, &state) == 0 && (state.c_lflag & ECHO) != 0;
+  close(screen);
+  close(keyboard);
+  return result;
 }
 
 }  // namespace vdsto_test

@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <initializer_list>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -47,7 +48,8 @@ struct Outcome {
 /// The real program at work, in its own process.
 class Program {
  public:
-  explicit Program(std::vector<std::string> arguments, std::string password = "");
+  explicit Program(std::vector<std::string> arguments, std::string password = "",
+                   std::string_view input = "");
   ~Program();
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
@@ -61,6 +63,17 @@ class Program {
 };
 
 /// Runs the program to its end.
-Outcome RunVdsto(std::vector<std::string> arguments, std::string password = "");
+Outcome RunVdsto(std::vector<std::string> arguments, std::string password = "",
+                 std::string_view input = "");
+
+struct TerminalOutcome {
+  Outcome outcome;      ///< `out` is what the screen shows
+  bool echoes = false;  ///< does the terminal show what is typed, as at the beginning?
+};
+
+/// Runs `body` in a process of its own at a terminal of its own, and types `typed` when the screen
+/// shows `prompt`. What `body` answers is the exit code.
+TerminalOutcome RunAtTerminal(const std::function<int()>& body, const std::string& prompt,
+                              const std::string& typed);
 
 }  // namespace vdsto_test

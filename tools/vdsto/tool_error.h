@@ -14,6 +14,7 @@ enum class ExitCode {
   kCatalogue = 5,  ///< reading or writing the open catalogue or image store failed
   kNotFound = 6,   ///< what was asked for is not there
   kDamaged = 7,    ///< the image store has faults
+  kRefused = 8,    ///< not done, so that nothing is lost
   kInterrupted = 130,
 };
 

@@ -1,33 +1,82 @@
-#include <iostream>
-
+#include "tools/vdsto/cli/command.h"
+#include "tools/vdsto/cli/invocation.h"
 #include "tools/vdsto/commands/commands.h"
-#include "tools/vdsto/commands/photo_text.h"
 #include "tools/vdsto/import/importer.h"
-#include "tools/vdsto/import/interruption.h"
-#include "tools/vdsto/library/import_lock.h"
 #include "tools/vdsto/picture/picture_probe.h"
-#include "tools/vdsto/tool_error.h"
+#include "tools/vdsto/text/text.h"
 
-#include <nlohmann/json.hpp>
+#include <cstdio>
 
 namespace vdsto {
+namespace {
 
-bool RunImport(const LibraryOptions& options, const std::vector<std::string>& folders,
-               OutputForm form, std::ostream& out) {
-  InitialiseProbing();
-  bool told = false;
-  const ImportLock lock(options.folder, [&] {
-    if (!told) std::cerr << "waiting for another import into this library" << std::endl;
-    told = true;
-  });
-  Library library(options, lock);
-  const ImportSummary summary = ImportFolders(library, folders, form == OutputForm::kJson);
-  if (form == OutputForm::kJson) {
-    out << JsonText(SummaryAsJson(summary));
-  } else {
-    PrintSummary(summary, out);
+constexpr const char* kNotes =
+    R"(Running it again brings the catalogue up to date: unchanged files are passed over, changed ones
+updated, missing thumbnails made. Names that begin with a dot are passed over; links to folders are
+followed unless they lead into or above the imported tree. Folders without pictures are not mirrored.)";
+
+void AddRemarks(const std::string& key, const std::vector<Remark>& remarks,
+                const std::string& title, Facts& facts) {
+  Json list = Json::array();
+  if (!remarks.empty()) facts.ForPeople(title + " (" + std::to_string(remarks.size()) + "):");
+  for (const Remark& remark : remarks) {
+    facts.ForPeople("  " + Printable(remark.path) + ": " + Printable(remark.reason));
+    list.push_back({{"path", remark.path}, {"reason", remark.reason}});
   }
-  return !summary.interrupted;
+  facts.ForPrograms(key, std::move(list));
+}
+
+std::string Sentence(const ImportSummary& summary) {
+  char seconds[32];
+  std::snprintf(seconds, sizeof seconds, "%.1f s", summary.seconds);
+  return (summary.interrupted ? "Interrupted: " : "") + Counted(summary.Pictures(), "picture") +
+         " in " + seconds + ": " + std::to_string(summary.added) + " added, " +
+         std::to_string(summary.updated) + " updated, " + std::to_string(summary.unchanged) +
+         " unchanged; " + Counted(summary.folders_created, "new folder") + "; " +
+         Counted(summary.not_pictures, "other file") + " and " + std::to_string(summary.hidden) +
+         " hidden skipped";
+}
+
+Facts Describe(const ImportSummary& summary) {
+  Facts facts;
+  facts.ForPrograms("added", summary.added)
+      .ForPrograms("updated", summary.updated)
+      .ForPrograms("unchanged", summary.unchanged)
+      .ForPrograms("folders_created", summary.folders_created)
+      .ForPrograms("not_pictures", summary.not_pictures)
+      .ForPrograms("hidden", summary.hidden);
+  AddRemarks("broken", summary.broken, "Broken pictures, kept with what is known", facts);
+  AddRemarks("damaged", summary.damaged, "Damaged pictures, shown in part", facts);
+  AddRemarks("unreadable", summary.unreadable, "Could not be read", facts);
+  AddRemarks("not_stored", summary.not_stored, "Could not be stored", facts);
+  AddRemarks("long_paths", summary.long_paths,
+             "Stored without their location, whose path is too long", facts);
+  return facts.ForPrograms("seconds", summary.seconds)
+      .ForPrograms("interrupted", summary.interrupted)
+      .ForPeople(Sentence(summary));
+}
+
+struct Import {
+  std::vector<std::string> folders;
+
+  void Declare(Command& command) {
+    command.Words("FOLDER", folders, "Folders to import").Notes(kNotes);
+  }
+
+  ExitCode Run(Invocation& invocation) const {
+    InitialiseProbing();
+    const ImportLock lock = invocation.LockOutImports();
+    Library library = invocation.OpenLibrary(lock);
+    const ImportSummary summary = ImportFolders(library, folders, invocation.WantsJson());
+    invocation.Write(Describe(summary));
+    return summary.interrupted ? ExitCode::kInterrupted : ExitCode::kOk;
+  }
+};
+
+}  // namespace
+
+void AddImport(CommandGroup& tool) {
+  tool.Add<Import>("import", "Mirror folders of pictures into the catalogue");
 }
 
 }  // namespace vdsto

@@ -1,10 +1,11 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
-#include <nlohmann/json.hpp>
 
+#include "tools/vdsto/cli/command.h"
+#include "tools/vdsto/cli/invocation.h"
+#include "tools/vdsto/cli/photo_text.h"
 #include "tools/vdsto/commands/commands.h"
-#include "tools/vdsto/commands/photo_text.h"
 #include "tools/vdsto/library/folder_tree.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/picture/picture_format.h"
@@ -12,8 +13,6 @@
 
 namespace vdsto {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 struct Total {
   uint64_t photos = 0;
@@ -45,9 +44,7 @@ struct Statistics {
 
 void AddFolder(Library& library, const TreeFolder& folder, Statistics& statistics) {
   if (folder.photos > 0) {
-    vdstomgr::PhotoArray photos;
-    library.Call([&](auto& catalogue) { return catalogue.GetPhotoInFolder(folder.id, photos); });
-    for (const PHOTOINFO& photo : photos) statistics.Add(photo);
+    for (const PHOTOINFO& photo : library.PhotosIn(folder.id)) statistics.Add(photo);
   }
   statistics.folders += folder.folders.size();
   for (const TreeFolder& child : folder.folders) AddFolder(library, child, statistics);
@@ -59,56 +56,60 @@ uint64_t FileSizeOf(const std::string& path) {
   return error ? 0 : size;
 }
 
-void Print(const Statistics& statistics, const Library& library, std::ostream& out) {
-  const auto line = [&](std::string_view label, const std::string& value) {
-    out << Padded(label, 12) << value << '\n';
-  };
-  line("catalogue",
-       Printable(library.CataloguePath()) + ", " + HumanSize(FileSizeOf(library.CataloguePath())));
-  const uint64_t image_bytes = ImageStoreBytes(library.Folder());
-  line("images", image_bytes == 0
-                     ? "none yet"
-                     : Printable(ImageStorePath(library.Folder())) + ", " + HumanSize(image_bytes));
-  line("photos", std::to_string(statistics.all.photos) + ", " + HumanSize(statistics.all.bytes));
-  line("not shown", std::to_string(statistics.not_shown));
-  line("folders", std::to_string(statistics.folders));
-  if (statistics.first_shot != 0) {
-    line("taken", TimeText(statistics.first_shot) + " to " + TimeText(statistics.last_shot));
-  }
-  for (const auto& [type, total] : statistics.by_type) {
-    line("  " + (type.empty() ? "(none)" : Printable(type)),
-         Padded(std::to_string(total.photos), 8, true) + "  " +
-             Padded(HumanSize(total.bytes), 8, true));
-  }
+std::string ImageText(const std::string& library_folder, uint64_t bytes) {
+  if (bytes == 0) return "none yet";
+  return Printable(ImageStorePath(library_folder)) + ", " + HumanSize(bytes);
 }
 
-Json AsJson(const Statistics& statistics, const Library& library) {
+void AddTypes(const Statistics& statistics, Facts& facts) {
   auto types = Json::object();
-  for (const auto& [type, total] : statistics.by_type)
+  for (const auto& [type, total] : statistics.by_type) {
     types[type] = {{"photos", total.photos}, {"bytes", total.bytes}};
-  const auto time = [](int32_t value) { return value == 0 ? Json() : Json(TimeText(value)); };
-  return {{"catalogue", library.CataloguePath()},
-          {"catalogue_bytes", FileSizeOf(library.CataloguePath())},
-          {"image_store_bytes", ImageStoreBytes(library.Folder())},
-          {"photos", statistics.all.photos},
-          {"bytes", statistics.all.bytes},
-          {"not_shown", statistics.not_shown},
-          {"folders", statistics.folders},
-          {"first_shot", time(statistics.first_shot)},
-          {"last_shot", time(statistics.last_shot)},
-          {"by_type", std::move(types)}};
+    facts.ForPeople("  " + (type.empty() ? "(none)" : Printable(type)),
+                    Padded(std::to_string(total.photos), 8, true) + "  " +
+                        Padded(HumanSize(total.bytes), 8, true));
+  }
+  facts.ForPrograms("by_type", std::move(types));
 }
+
+Facts Describe(const Statistics& statistics, const Library& library) {
+  const uint64_t catalogue_bytes = FileSizeOf(library.CataloguePath());
+  const uint64_t image_bytes = ImageStoreBytes(library.Folder());
+  const Total& all = statistics.all;
+  Facts facts;
+  facts
+      .Add("catalogue", {library.CataloguePath(),
+                         Printable(library.CataloguePath()) + ", " + HumanSize(catalogue_bytes)})
+      .ForPrograms("catalogue_bytes", catalogue_bytes)
+      .ForPeople("images", ImageText(library.Folder(), image_bytes))
+      .ForPrograms("image_store_bytes", image_bytes)
+      .Add("photos", {all.photos, std::to_string(all.photos) + ", " + HumanSize(all.bytes)})
+      .ForPrograms("bytes", all.bytes)
+      .Add("not_shown", statistics.not_shown)
+      .Add("folders", statistics.folders)
+      .ForPrograms("first_shot", TimeFact(statistics.first_shot).json)
+      .ForPrograms("last_shot", TimeFact(statistics.last_shot).json);
+  if (statistics.first_shot != 0) {
+    facts.ForPeople("taken",
+                    TimeText(statistics.first_shot) + " to " + TimeText(statistics.last_shot));
+  }
+  AddTypes(statistics, facts);
+  return facts;
+}
+
+struct Stat {
+  ExitCode Run(Invocation& invocation) const {
+    Library library = invocation.OpenLibrary();
+    Statistics statistics;
+    for (const TreeFolder& root : ReadFolderTree(library)) AddFolder(library, root, statistics);
+    return invocation.Write(Describe(statistics, library));
+  }
+};
 
 }  // namespace
 
-void RunStat(Library& library, OutputForm form, std::ostream& out) {
-  Statistics statistics;
-  for (const TreeFolder& root : ReadFolderTree(library)) AddFolder(library, root, statistics);
-  if (form == OutputForm::kJson) {
-    out << JsonText(AsJson(statistics, library));
-  } else {
-    Print(statistics, library, out);
-  }
+void AddStat(CommandGroup& tool) {
+  tool.Add<Stat>("stat", "Show totals");
 }
 
 }  // namespace vdsto

@@ -1,172 +1,151 @@
-#include <filesystem>
 #include <iostream>
-#include <nlohmann/json.hpp>
 
+#include "tools/vdsto/cli/command.h"
+#include "tools/vdsto/cli/invocation.h"
 #include "tools/vdsto/commands/commands.h"
-#include "tools/vdsto/commands/photo_text.h"
 #include "tools/vdsto/library/image_store.h"
-#include "tools/vdsto/library/import_lock.h"
 #include "tools/vdsto/library/store_compaction.h"
-#include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
 
 namespace vdsto {
 namespace {
 
-using Json = nlohmann::ordered_json;
 using vdstomgr::StorageReport;
 
-std::string ExistingStore(const LibraryOptions& options) {
-  const std::string path = ImageStorePath(options.folder);
-  if (IsImageStoreThere(options.folder)) return path;
-  throw ToolError(ExitCode::kCannotOpen, "no image store in " + Printable(options.folder) +
-                                             " yet: run vdsto import first");
+constexpr const char* kNotes =
+    R"(The store is images.pdb and images.pdx in the library's folder. One process at a time uses it:
+repair and compact wait for a running import to end, sync fails then. stat, verify and vdsto thumb
+read beside it at any time. What the store loses, the next import makes again.)";
+
+std::string ExistingStore(const Invocation& invocation) {
+  const std::string folder = invocation.LibraryFolder();
+  if (IsImageStoreThere(folder)) return ImageStorePath(folder);
+  throw ToolError(ExitCode::kCannotOpen,
+                  "no image store in " + Printable(folder) + " yet: run vdsto import first");
 }
 
-/// Answers in either form: a JSON object, or its lines for people.
-void Answer(const Json& json, OutputForm form, const std::function<void()>& print,
-            std::ostream& out) {
-  form == OutputForm::kJson ? void(out << JsonText(json)) : print();
+void AddCounts(const StorageReport& report, Facts& facts) {
+  facts
+      .Add("images", {report.live_records,
+                      std::to_string(report.live_records) + ", " + HumanSize(report.live_bytes)})
+      .ForPrograms("image_bytes", report.live_bytes)
+      .Add("removed", {report.removed_records, std::to_string(report.removed_records) + ", of " +
+                                                   HumanSize(report.data_bytes) + " written"})
+      .Add("damaged", report.damaged_records)
+      .ForPrograms("data_bytes", report.data_bytes)
+      .ForPrograms("index_entries", report.clusters)
+      .ForPrograms("findings", report.finding_count)
+      .ForPrograms("is_sound", report.is_sound);
 }
 
-void Line(std::string_view label, const std::string& value, std::ostream& out) {
-  out << Padded(label, 12) << value << '\n';
-}
-
-Json FindingsAsJson(const StorageReport& report) {
-  auto findings = Json::array();
+void AddFaults(const StorageReport& report, Facts& facts) {
+  Json faults = Json::array();
   for (const auto& finding : report.findings) {
-    findings.push_back({{"fault", vdstomgr::NameOf(finding.fault)},
-                        {"offset", finding.offset},
-                        {"text", finding.text}});
+    const char* fault = vdstomgr::NameOf(finding.fault);
+    faults.push_back({{"fault", fault}, {"offset", finding.offset}, {"text", finding.text}});
+    facts.ForPeople(std::string(fault) + ": " + Printable(finding.text));
   }
-  return findings;
-}
-
-void PrintFindings(const StorageReport& report, std::ostream& out) {
-  for (const auto& finding : report.findings)
-    out << vdstomgr::NameOf(finding.fault) << ": " << Printable(finding.text) << '\n';
   if (const auto more = report.finding_count - report.findings.size(); more > 0)
-    out << "and " << more << " more\n";
+    facts.ForPeople("and " + std::to_string(more) + " more");
+  facts.ForPrograms("faults", std::move(faults));
 }
 
-Json CountsAsJson(const StorageReport& report) {
-  return {{"images", report.live_records},     {"image_bytes", report.live_bytes},
-          {"removed", report.removed_records}, {"damaged", report.damaged_records},
-          {"data_bytes", report.data_bytes},   {"index_entries", report.clusters},
-          {"findings", report.finding_count},  {"is_sound", report.is_sound}};
-}
+struct StoreStat {
+  ExitCode Run(Invocation& invocation) const {
+    const std::string path = ExistingStore(invocation);
+    const StorageReport report = vdstomgr::VerifyStorage(path.c_str());
+    const uint64_t disk = ImageStoreBytes(invocation.LibraryFolder());
+    Facts facts;
+    facts.Add("store", {path, Printable(path) + ", " + HumanSize(disk)})
+        .ForPrograms("disk_bytes", disk);
+    AddCounts(report, facts);
+    return invocation.Write(facts);
+  }
+};
 
-void PrintCounts(const StorageReport& report, std::ostream& out) {
-  Line("images", std::to_string(report.live_records) + ", " + HumanSize(report.live_bytes), out);
-  Line("removed",
-       std::to_string(report.removed_records) + ", of " + HumanSize(report.data_bytes) + " written",
-       out);
-  Line("damaged", std::to_string(report.damaged_records), out);
-}
+struct StoreVerify {
+  ExitCode Run(Invocation& invocation) const {
+    const StorageReport report = vdstomgr::VerifyStorage(ExistingStore(invocation).c_str());
+    Facts facts;
+    AddFaults(report, facts);
+    AddCounts(report, facts);
+    facts.ForPeople("verdict", report.is_sound ? "sound" : "has faults: run vdsto store repair");
+    invocation.Write(facts);
+    return report.is_sound ? ExitCode::kOk : ExitCode::kDamaged;
+  }
+};
 
-/// Waits until no import works on the library.
-ImportLock LockOut(const LibraryOptions& options) {
-  return ImportLock(options.folder, [told = false]() mutable {
-    if (!told) std::cerr << "waiting for an import into this library" << std::endl;
-    told = true;
-  });
-}
+struct StoreRepair {
+  ExitCode Run(Invocation& invocation) const {
+    const std::string path = ExistingStore(invocation);
+    const ImportLock lock = invocation.LockOutImports();
+    const auto report = vdstomgr::RepairStorage(path.c_str());
+    Facts facts;
+    AddFaults(report.found, facts);
+    facts.ForPrograms("repaired", report.repaired)
+        .ForPrograms("images", report.good_records)
+        .ForPrograms("kept_index", report.kept_index.empty() ? Json() : Json(report.kept_index))
+        .ForPrograms("findings", report.found.finding_count);
+    if (report.repaired) Tell(report, facts);
+    invocation.Write(facts);
+    if (report.repaired) return ExitCode::kOk;
+    std::cerr << "vdsto: the image store could not be repaired" << std::endl;
+    return ExitCode::kDamaged;
+  }
+
+  static void Tell(const vdstomgr::RepairReport& report, Facts& facts) {
+    facts.ForPeople("A new index names " + Counted(report.good_records, "image") + ".");
+    if (!report.kept_index.empty())
+      facts.ForPeople("The old index is kept as " + Printable(report.kept_index) + ".");
+    if (report.found.finding_count > 0)
+      facts.ForPeople("The next import makes again what was left out.");
+  }
+};
+
+struct StoreCompact {
+  ExitCode Run(Invocation& invocation) const {
+    ExistingStore(invocation);
+    const ImportLock lock = invocation.LockOutImports();
+    Library library = invocation.OpenLibrary();
+    const CompactionSummary summary = CompactImageStore(library);
+    invocation.Write(Facts()
+                         .ForPrograms("images", summary.images)
+                         .ForPrograms("dropped", summary.dropped)
+                         .ForPrograms("disk_bytes_before", summary.bytes_before)
+                         .ForPrograms("disk_bytes", summary.bytes_after)
+                         .ForPeople(Counted(summary.images, "image") + " kept, " +
+                                    std::to_string(summary.dropped) +
+                                    " dropped that no photo names; " +
+                                    HumanSize(summary.bytes_before) + " before, " +
+                                    HumanSize(summary.bytes_after) + " now"));
+    return ExitCode::kOk;
+  }
+};
+
+struct StoreSync {
+  ExitCode Run(Invocation& invocation) const {
+    CRkStorageManager storage;
+    OpenStorage(ExistingStore(invocation), storage);
+    if (!vdstomgr::SyncStorage(storage)) {
+      throw ToolError(ExitCode::kCatalogue, "the device did not take all of the image store");
+    }
+    const auto images = static_cast<uint64_t>(storage.GetSize());
+    return invocation.Write(Facts()
+                                .ForPrograms("images", images)
+                                .ForPeople("The device holds " + Counted(images, "image") + "."));
+  }
+};
 
 }  // namespace
 
-ExitCode RunStoreStat(const LibraryOptions& options, OutputForm form, std::ostream& out) {
-  const std::string path = ExistingStore(options);
-  const StorageReport report = vdstomgr::VerifyStorage(path.c_str());
-  const uint64_t disk = ImageStoreBytes(options.folder);
-  Json json{{"store", path}, {"disk_bytes", disk}};
-  json.update(CountsAsJson(report));
-  Answer(
-      json, form,
-      [&] {
-        Line("store", Printable(path) + ", " + HumanSize(disk), out);
-        PrintCounts(report, out);
-      },
-      out);
-  return ExitCode::kOk;
-}
-
-ExitCode RunStoreVerify(const LibraryOptions& options, OutputForm form, std::ostream& out) {
-  const StorageReport report = vdstomgr::VerifyStorage(ExistingStore(options).c_str());
-  Json json = CountsAsJson(report);
-  json["faults"] = FindingsAsJson(report);
-  Answer(
-      json, form,
-      [&] {
-        PrintFindings(report, out);
-        PrintCounts(report, out);
-        Line("verdict", report.is_sound ? "sound" : "has faults: run vdsto store repair", out);
-      },
-      out);
-  return report.is_sound ? ExitCode::kOk : ExitCode::kDamaged;
-}
-
-ExitCode RunStoreRepair(const LibraryOptions& options, OutputForm form, std::ostream& out) {
-  const std::string path = ExistingStore(options);
-  const ImportLock lock = LockOut(options);
-  const auto report = vdstomgr::RepairStorage(path.c_str());
-  const bool lost_some = report.found.finding_count > 0;
-  const Json json{{"repaired", report.repaired},
-                  {"images", report.good_records},
-                  {"kept_index", report.kept_index.empty() ? Json() : Json(report.kept_index)},
-                  {"findings", report.found.finding_count},
-                  {"faults", FindingsAsJson(report.found)}};
-  Answer(
-      json, form,
-      [&] {
-        PrintFindings(report.found, out);
-        if (!report.repaired) return;
-        out << "A new index names " << Counted(report.good_records, "image") << ".\n";
-        if (!report.kept_index.empty())
-          out << "The old index is kept as " << Printable(report.kept_index) << ".\n";
-        if (lost_some) out << "The next import makes again what was left out.\n";
-      },
-      out);
-  if (report.repaired) return ExitCode::kOk;
-  std::cerr << "vdsto: the image store could not be repaired" << std::endl;
-  return ExitCode::kDamaged;
-}
-
-ExitCode RunStoreCompact(const LibraryOptions& options, OutputForm form, std::ostream& out) {
-  ExistingStore(options);
-  const ImportLock lock = LockOut(options);
-  Library library(options);
-  const CompactionSummary summary = CompactImageStore(library);
-  const Json json{{"images", summary.images},
-                  {"dropped", summary.dropped},
-                  {"disk_bytes_before", summary.bytes_before},
-                  {"disk_bytes", summary.bytes_after}};
-  Answer(
-      json, form,
-      [&] {
-        out << Counted(summary.images, "image") << " kept, " << summary.dropped
-            << " dropped that no photo names; " << HumanSize(summary.bytes_before) << " before, "
-            << HumanSize(summary.bytes_after) << " now\n";
-      },
-      out);
-  return ExitCode::kOk;
-}
-
-ExitCode RunStoreSync(const LibraryOptions& options, OutputForm form, std::ostream& out) {
-  CRkStorageManager storage;
-  OpenStorage(ExistingStore(options), storage);
-  if (!vdstomgr::SyncStorage(storage)) {
-    throw ToolError(ExitCode::kCatalogue, "the device did not take all of the image store");
-  }
-  const Json json{{"images", storage.GetSize()}};
-  Answer(
-      json, form,
-      [&] {
-        out << "The device holds "
-            << Counted(static_cast<unsigned long long>(storage.GetSize()), "image") << ".\n";
-      },
-      out);
-  return ExitCode::kOk;
+void AddStore(CommandGroup& tool) {
+  CommandGroup store =
+      tool.AddGroup("store", "Look after the image store, which holds thumbnails", kNotes);
+  store.Add<StoreStat>("stat", "Read all of it and show totals");
+  store.Add<StoreVerify>("verify", "Check every image and name what is wrong");
+  store.Add<StoreRepair>("repair", "Make a new index from the images; the old one is kept");
+  store.Add<StoreCompact>("compact", "Drop images that no photo names, and give their space back");
+  store.Add<StoreSync>("sync", "Bring everything to the device, to survive a power cut");
 }
 
 }  // namespace vdsto

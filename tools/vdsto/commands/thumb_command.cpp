@@ -1,12 +1,13 @@
 #include <cerrno>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <system_error>
 
-#include "tools/vdsto/commands/catalogue_path.h"
+#include "tools/vdsto/cli/command.h"
+#include "tools/vdsto/cli/invocation.h"
+#include "tools/vdsto/cli/photo_text.h"
 #include "tools/vdsto/commands/commands.h"
-#include "tools/vdsto/commands/photo_text.h"
 #include "tools/vdsto/library/image_store.h"
+#include "tools/vdsto/selection/catalogue_path.h"
 #include "tools/vdsto/text/text.h"
 
 namespace vdsto {
@@ -41,16 +42,35 @@ void WriteFile(const CBinData& image, const std::string& path) {
                                              std::generic_category().message(errno));
 }
 
+struct Thumb {
+  std::string photo;
+  std::string target;
+
+  void Declare(Command& command) {
+    command.Photo(photo).RequiredOption("-o,--output", "FILE", target,
+                                        "The file to write, or - for standard output");
+  }
+
+  ExitCode Run(Invocation& invocation) const {
+    Library library = invocation.OpenLibrary();
+    const PHOTOINFO info = CataloguePath(library).Photo(photo);
+    const CBinData image = ReadThumbnail(library, info);
+    if (target == "-") {
+      Write(image, invocation.Output());
+      return ExitCode::kOk;
+    }
+    WriteFile(image, target);
+    return invocation.Write(Facts()
+                                .ForPrograms("guid", info.szGUID)
+                                .ForPrograms("file", target)
+                                .ForPrograms("bytes", image.GetLength()));
+  }
+};
+
 }  // namespace
 
-void RunThumb(Library& library, const std::string& photo, const std::string& target,
-              OutputForm form, std::ostream& out) {
-  const PHOTOINFO info = CataloguePath(library).Photo(photo);
-  const CBinData image = ReadThumbnail(library, info);
-  if (target == "-") return Write(image, out);
-  WriteFile(image, target);
-  if (form != OutputForm::kJson) return;
-  out << JsonText({{"guid", info.szGUID}, {"file", target}, {"bytes", image.GetLength()}});
+void AddThumb(CommandGroup& tool) {
+  tool.Add<Thumb>("thumb", "Write the thumbnail of one photo to a JPEG file");
 }
 
 }  // namespace vdsto

@@ -1,27 +1,22 @@
-#include <nlohmann/json.hpp>
-
+#include "tools/vdsto/cli/command.h"
+#include "tools/vdsto/cli/invocation.h"
 #include "tools/vdsto/commands/commands.h"
-#include "tools/vdsto/commands/photo_text.h"
 #include "tools/vdsto/library/folder_tree.h"
 #include "tools/vdsto/text/text.h"
 
 namespace vdsto {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-void PrintName(const TreeFolder& folder, std::ostream& out) {
-  out << Printable(folder.name);
-  if (folder.photos > 0) out << "  (" << folder.photos << ')';
-  out << '\n';
+std::string NameLine(const TreeFolder& folder) {
+  const std::string count = folder.photos > 0 ? "  (" + std::to_string(folder.photos) + ")" : "";
+  return Printable(folder.name) + count + '\n';
 }
 
-void PrintBelow(const TreeFolder& folder, const std::string& lead, std::ostream& out) {
+void DrawBelow(const TreeFolder& folder, const std::string& lead, std::string& text) {
   for (const TreeFolder& child : folder.folders) {
     const bool is_last = &child == &folder.folders.back();
-    out << lead << (is_last ? "└── " : "├── ");
-    PrintName(child, out);
-    PrintBelow(child, lead + (is_last ? "    " : "│   "), out);
+    text += lead + (is_last ? "└── " : "├── ") + NameLine(child);
+    DrawBelow(child, lead + (is_last ? "    " : "│   "), text);
   }
 }
 
@@ -35,22 +30,30 @@ Json AsJson(const TreeFolder& folder) {
           {"folders", std::move(folders)}};
 }
 
+/// People see the public and the guest root when there is something in them.
+Answer DrawTree(const std::vector<TreeFolder>& roots) {
+  Answer answer{Json::array(), {}};
+  for (const TreeFolder& root : roots) {
+    answer.json.push_back(AsJson(root));
+    if (&root != &roots.front() && root.folders.empty() && root.photos == 0) continue;
+    answer.text += NameLine(root);
+    DrawBelow(root, "", answer.text);
+    answer.text += Counted(static_cast<unsigned long long>(root.AllPhotos()), "photo") + '\n';
+  }
+  return answer;
+}
+
+struct Tree {
+  ExitCode Run(Invocation& invocation) const {
+    Library library = invocation.OpenLibrary();
+    return invocation.Write(DrawTree(ReadFolderTree(library)));
+  }
+};
+
 }  // namespace
 
-void RunTree(Library& library, OutputForm form, std::ostream& out) {
-  const std::vector<TreeFolder> roots = ReadFolderTree(library);
-  if (form == OutputForm::kJson) {
-    auto list = Json::array();
-    for (const TreeFolder& root : roots) list.push_back(AsJson(root));
-    out << JsonText(list);
-    return;
-  }
-  for (const TreeFolder& root : roots) {
-    if (&root != &roots.front() && root.folders.empty() && root.photos == 0) continue;
-    PrintName(root, out);
-    PrintBelow(root, "", out);
-    out << Counted(static_cast<unsigned long long>(root.AllPhotos()), "photo") << '\n';
-  }
+void AddTree(CommandGroup& tool) {
+  tool.Add<Tree>("tree", "Show the folders and how many photos each holds");
 }
 
 }  // namespace vdsto

@@ -46,9 +46,7 @@ FolderMirror::FolderMirror(Library& library) : library_(library) {
 }
 
 void FolderMirror::ReadFolders() {
-  vdstomgr::FolderArray folders;
-  library_.Call([&](auto& catalogue) { return catalogue.GetAllFolderList(folders); });
-  for (const FOLDERINFO& folder : folders)
+  for (const FOLDERINFO& folder : library_.AllFolders())
     Remember(folder.dwFolderID, folder.dwParentID, folder.szFolderName);
 }
 
@@ -106,7 +104,7 @@ void FolderMirror::Release(FolderId folder) {
   rows_.erase(folder);
 }
 
-int FolderMirror::CreatedFolders() const {
+uint64_t FolderMirror::CreatedFolders() const {
   const std::lock_guard lock(mutex_);
   return created_;
 }
@@ -226,11 +224,7 @@ FolderId FolderMirror::Create(FolderId parent, const std::string& source) {
 
 std::shared_ptr<const FolderRows> FolderMirror::RowsLocked(FolderId folder) {
   auto& rows = rows_[folder];
-  if (!rows) {
-    vdstomgr::PhotoArray photos;
-    library_.Call([&](auto& catalogue) { return catalogue.GetPhotoInFolder(folder, photos); });
-    rows = std::make_shared<FolderRows>(photos);
-  }
+  if (!rows) rows = std::make_shared<FolderRows>(library_.PhotosIn(folder));
   return rows;
 }
 

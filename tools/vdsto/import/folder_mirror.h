@@ -35,7 +35,7 @@ class FolderMirror {
   /// Forgets the photos of a folder that is done with.
   void Release(FolderId folder);
 
-  int CreatedFolders() const;
+  uint64_t CreatedFolders() const;
 
  private:
   struct Folder {
@@ -71,7 +71,7 @@ class FolderMirror {
   std::vector<std::pair<std::string, FolderId>> roots_;  // source and top-level folder
   std::unordered_map<FolderId, std::shared_ptr<const FolderRows>> rows_;
   FolderId next_id_ = 1;
-  int created_ = 0;
+  uint64_t created_ = 0;
 };
 
 }  // namespace vdsto

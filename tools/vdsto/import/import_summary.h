@@ -1,7 +1,5 @@
 #pragma once
 #include <cstdint>
-#include <nlohmann/json_fwd.hpp>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -20,7 +18,7 @@ struct ImportSummary {
   uint64_t unchanged = 0;
   uint64_t not_pictures = 0;
   uint64_t hidden = 0;  ///< files and folders whose name begins with a dot
-  int folders_created = 0;
+  uint64_t folders_created = 0;
   std::vector<Remark> broken;      ///< kept, but cannot be shown
   std::vector<Remark> damaged;     ///< kept, shown in part
   std::vector<Remark> unreadable;  ///< files and folders that could not be read
@@ -31,8 +29,5 @@ struct ImportSummary {
 
   uint64_t Pictures() const { return added + updated + unchanged; }
 };
-
-void PrintSummary(const ImportSummary& summary, std::ostream& out);
-nlohmann::ordered_json SummaryAsJson(const ImportSummary& summary);
 
 }  // namespace vdsto

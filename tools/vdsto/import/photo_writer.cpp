@@ -44,10 +44,9 @@ void PhotoWriter::Add(const ImportJob& job, const PictureFacts& facts) {
 }
 
 void PhotoWriter::Update(const ImportJob& job, const PictureFacts& facts) {
-  PHOTOINFO photo;
-  const bool is_there = library_.Call(
-      [&](auto& catalogue) { return catalogue.GetPhotoInfo(job.known_guid.c_str(), photo); });
-  if (!is_there) return Add(job, facts);
+  auto found = library_.Photo(job.known_guid);
+  if (!found) return Add(job, facts);
+  PHOTOINFO& photo = *found;
   const std::string old_key = ImageKeyOf(photo.GetLTBURL());
   RefreshPhotoRecord(facts, photo);
   StoreImage(photo, facts);

@@ -115,6 +115,31 @@ void Library::Open(const std::string& password) {
     throw ToolError(ExitCode::kCannotOpen, path_ + " is no catalogue of this version");
 }
 
+vdstomgr::PhotoArray Library::PhotosIn(uint32_t folder) {
+  vdstomgr::PhotoArray photos;
+  Call([&](auto& catalogue) { return catalogue.GetPhotoInFolder(folder, photos); });
+  return photos;
+}
+
+vdstomgr::FolderArray Library::FoldersIn(uint32_t folder) {
+  vdstomgr::FolderArray folders;
+  Call([&](auto& catalogue) { return catalogue.GetFolderList(folders, folder); });
+  return folders;
+}
+
+vdstomgr::FolderArray Library::AllFolders() {
+  vdstomgr::FolderArray folders;
+  Call([&](auto& catalogue) { return catalogue.GetAllFolderList(folders); });
+  return folders;
+}
+
+std::optional<PHOTOINFO> Library::Photo(const std::string& guid) {
+  PHOTOINFO photo;
+  const bool is_there =
+      Call([&](auto& catalogue) { return catalogue.GetPhotoInfo(guid.c_str(), photo); });
+  return is_there ? std::optional(photo) : std::nullopt;
+}
+
 void Library::ForgetError() {
   reported.reset();
 }

@@ -1,4 +1,6 @@
 #pragma once
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -40,6 +42,13 @@ class Library {
     ThrowError();
     return result;
   }
+
+  /// The photos of a folder by name, its sub-folders by name, and all folders.
+  vdstomgr::PhotoArray PhotosIn(uint32_t folder);
+  vdstomgr::FolderArray FoldersIn(uint32_t folder);
+  vdstomgr::FolderArray AllFolders();
+  /// Nothing when there is no such photo.
+  std::optional<PHOTOINFO> Photo(const std::string& guid);
 
   const std::string& CataloguePath() const { return path_; }
   const std::string& Folder() const { return folder_; }

@@ -29,11 +29,8 @@ void RequireSound(const std::string& path) {
 }
 
 bool IsNamed(Library& library, const std::string& key) {
-  const std::string guid = key.substr(0, kGuidLength);
-  PHOTOINFO photo;
-  return library.Call([&](auto& catalogue) {
-    return catalogue.GetPhotoInfo(guid.c_str(), photo);
-  }) && ImageKeyOf(photo.GetLTBURL()) == key;
+  const auto photo = library.Photo(key.substr(0, kGuidLength));
+  return photo && ImageKeyOf(photo->GetLTBURL()) == key;
 }
 
 uint64_t DropUnnamed(Library& library, CRkStorageManager& storage) {

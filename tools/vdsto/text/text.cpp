@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <memory>
 
 namespace vdsto {
@@ -100,6 +101,15 @@ std::string FirstCharacters(std::string_view text, size_t max_characters) {
   return std::string(text.substr(0, bytes));
 }
 
+std::u32string CodePoints(std::string_view text) {
+  std::u32string result;
+  ForEachCharacter(text, [&](utf8proc_int32_t code_point, std::string_view) {
+    result += code_point < 0 ? U'\uFFFD' : static_cast<char32_t>(code_point);
+    return true;
+  });
+  return result;
+}
+
 size_t CharacterCount(std::string_view text) {
   size_t count = 0;
   ForEachCharacter(text, [&](utf8proc_int32_t, std::string_view) { return ++count != 0; });
@@ -158,6 +168,15 @@ std::string HumanSize(unsigned long long bytes) {
   std::snprintf(text.data(), text.size(), amount < 9.95 ? "%.1f %s" : "%.0f %s", amount,
                 kUnits[unit]);
   return text.data();
+}
+
+std::string TimeText(int32_t time) {
+  if (time == 0) return {};
+  const std::time_t seconds = time;
+  std::tm local{};
+  localtime_r(&seconds, &local);
+  char text[32];
+  return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local));
 }
 
 std::string Counted(unsigned long long count, std::string_view noun) {

@@ -1,5 +1,6 @@
 #pragma once
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -24,6 +25,9 @@ std::string Trimmed(std::string_view text);
 /// The first `max_characters` code points of well-formed `text`.
 std::string FirstCharacters(std::string_view text, size_t max_characters);
 
+/// The code points of `text`; U+FFFD for a byte that is no UTF-8.
+std::u32string CodePoints(std::string_view text);
+
 /// The number of code points of well-formed `text`.
 size_t CharacterCount(std::string_view text);
 
@@ -41,6 +45,9 @@ std::string AsciiLower(std::string_view text);
 
 /// "1.4 MB": a byte count in the largest unit that leaves at least one whole digit.
 std::string HumanSize(unsigned long long bytes);
+
+/// "2004-06-29 15:29:33" in local time, of seconds since 1970; empty for 0.
+std::string TimeText(int32_t time);
 
 /// "3 photos", "1 photo".
 std::string Counted(unsigned long long count, std::string_view noun);

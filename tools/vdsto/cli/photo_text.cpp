@@ -1,22 +1,26 @@
-#include "tools/vdsto/commands/photo_text.h"
-
-#include <ctime>
-#include <nlohmann/json.hpp>
+#include "tools/vdsto/cli/photo_text.h"
 
 #include "tools/vdsto/library/folder_rows.h"
 #include "tools/vdsto/picture/source_file.h"
-#include "tools/vdsto/text/source_location.h"
+#include "tools/vdsto/text/text.h"
 
 namespace vdsto {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 Json TextOrNull(const std::string& text) {
   return text.empty() ? Json() : Json(text);
 }
 Json NumberOrNull(uint32_t number) {
   return number == 0 ? Json() : Json(number);
+}
+
+/// "1600 x 1200"; nothing for a photo that cannot be shown.
+Fact PixelFact(const PHOTOINFO& photo) {
+  Fact pixels(CanBeShown(photo)
+                  ? Json(std::to_string(photo.Width) + " x " + std::to_string(photo.Height))
+                  : Json());
+  pixels.is_quantity = true;
+  return pixels;
 }
 
 Json ExifAsJson(const PHOTOINFO& photo) {
@@ -37,26 +41,12 @@ Json ExifAsJson(const PHOTOINFO& photo) {
 
 }  // namespace
 
-std::string TimeText(int32_t time) {
-  if (time == 0) return {};
-  const std::time_t seconds = time;
-  std::tm local{};
-  localtime_r(&seconds, &local);
-  char text[32];
-  return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local));
-}
-
 std::string LastWriteText(const PHOTOINFO& photo) {
   return TimeText(UnixTimeOf(StampOf(photo).last_write));
 }
 
 bool CanBeShown(const PHOTOINFO& photo) {
   return *photo.GetLTBURL() != '\0';
-}
-
-std::string PixelText(const PHOTOINFO& photo) {
-  return CanBeShown(photo) ? std::to_string(photo.Width) + " x " + std::to_string(photo.Height)
-                           : "-";
 }
 
 Json PhotoAsJson(const PHOTOINFO& photo, const std::string& folder) {
@@ -85,8 +75,12 @@ Json PhotoAsJson(const PHOTOINFO& photo, const std::string& folder) {
           {"exif", ExifAsJson(photo)}};
 }
 
-std::string JsonText(const Json& json) {
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+Table PhotoTable() {
+  return Table({"shot", "size", "pixels", "name"});
+}
+
+void AddPhoto(const PHOTOINFO& photo, const std::string& name, Table& table) {
+  table.Add({TimeFact(photo.ShootDate), SizeFact(photo.FileSize), PixelFact(photo), name});
 }
 
 }  // namespace vdsto

@@ -1,4 +1,4 @@
-#include "tools/vdsto/library/password.h"
+#include "tools/vdsto/cli/password.h"
 
 #include <fcntl.h>
 #include <termios.h>

@@ -1,0 +1,31 @@
+#include "tools/vdsto/cli/invocation.h"
+
+#include <iostream>
+
+namespace vdsto {
+
+std::string Invocation::LibraryFolder() const {
+  return options_.library_folder.empty() ? DefaultLibraryFolder() : options_.library_folder;
+}
+
+Library Invocation::OpenLibrary() const {
+  return Library({LibraryFolder(), ReadPassword(options_.password)});
+}
+
+Library Invocation::OpenLibrary(const ImportLock& lock) const {
+  return Library({LibraryFolder(), ReadPassword(options_.password)}, lock);
+}
+
+ImportLock Invocation::LockOutImports() const {
+  return ImportLock(LibraryFolder(), [told = false]() mutable {
+    if (!told) std::cerr << "waiting for an import into this library" << std::endl;
+    told = true;
+  });
+}
+
+ExitCode Invocation::Write(const Answer& answer) {
+  out_ << (WantsJson() ? JsonText(answer.json) : answer.text);
+  return ExitCode::kOk;
+}
+
+}  // namespace vdsto

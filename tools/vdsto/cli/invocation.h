@@ -1,0 +1,47 @@
+#pragma once
+#include <ostream>
+#include <string>
+
+#include "tools/vdsto/cli/answer.h"
+#include "tools/vdsto/cli/password.h"
+#include "tools/vdsto/library/import_lock.h"
+#include "tools/vdsto/library/library.h"
+#include "tools/vdsto/tool_error.h"
+
+namespace vdsto {
+
+/// What the user may say with every command.
+struct GlobalOptions {
+  std::string library_folder;  ///< empty: the default one
+  PasswordSource password;
+  bool json = false;
+};
+
+/// One run of one command: how it comes to its library, and how it speaks to the user.
+class Invocation {
+ public:
+  Invocation(const GlobalOptions& options, std::ostream& out) : options_(options), out_(out) {}
+
+  /// Throws ToolError when there is none to be had.
+  std::string LibraryFolder() const;
+  /// Opens the library, which must be there, and asks for its password when the user wants to be
+  /// asked. Throws ToolError.
+  Library OpenLibrary() const;
+  /// The same, but makes the library when it is not there.
+  Library OpenLibrary(const ImportLock& lock) const;
+  /// Waits, and says so, until no import works on the library, and keeps others out as long as the
+  /// lock lives. Makes the library's folder.
+  ImportLock LockOutImports() const;
+
+  bool WantsJson() const { return options_.json; }
+  /// Writes the answer in the form that the user wants; kOk, for the command to return.
+  ExitCode Write(const Answer& answer);
+  /// For answers that are no text.
+  std::ostream& Output() { return out_; }
+
+ private:
+  const GlobalOptions& options_;
+  std::ostream& out_;
+};
+
+}  // namespace vdsto
