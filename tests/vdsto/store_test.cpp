@@ -10,6 +10,7 @@ namespace {
 
 using namespace vdsto_test;
 using nlohmann::json;
+using namespace std::string_literals;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
@@ -104,6 +105,74 @@ TEST_F(StoreTest, ThumbWritesAFileOrTheOutput) {
   ExpectRefused({"thumb", "a.jpg", "-o", "-"}, 6, "is not in the store");
 }
 
+/// Whatever the way to it is spelled: links, hard links, another place, another case.
+TEST_F(StoreTest, ThumbNeverWritesOverAPictureOrTheLibrary) {
+  ImportThree();
+  WritePicture(Pictures("gone.jpg"));
+  WritePicture(Pictures("moved.jpg"));
+  Import();
+  fs::rename(Pictures("gone.jpg"), temp_ / "gone.jpg");
+  fs::create_symlink(Pictures(), temp_ / "link");
+  fs::create_symlink(Pictures("a.jpg"), temp_ / "link.jpg");
+  fs::create_symlink("nowhere", temp_ / "dangling.jpg");
+  fs::create_hard_link(Pictures("a.jpg"), temp_ / "hard.jpg");
+  fs::create_hard_link(Catalogue(), temp_ / "hard.vdb");
+  WriteFile(temp_ / "other.jpg", "mine");
+  fs::permissions(temp_ / "other.jpg", fs::perms::owner_all);
+  fs::create_hard_link(temp_ / "other.jpg", temp_ / "mine too.jpg");
+  WriteFile(temp_ / "locked/other.jpg", "mine");
+  fs::permissions(temp_ / "locked", fs::perms::owner_read | fs::perms::owner_exec);
+  WriteFile(temp_ / "kept.jpg", "mine");
+  fs::permissions(temp_ / "kept.jpg", fs::perms::owner_read);
+  {
+    CRkPhotoDBManager catalogue;
+    ASSERT_TRUE(catalogue.OpenDB(Catalogue().c_str(), ""));
+    PHOTOINFO photo;
+    const std::string guid = Photos().at(Pictures("moved.jpg"))["guid"];
+    ASSERT_TRUE(catalogue.GetPhotoInfo(guid.c_str(), photo));
+    photo.SetFolderID(vdstomgr::kPersonalRoot);
+    photo.SetFileName("renamed.jpg");
+    ASSERT_TRUE(catalogue.SetPhotoInfo(photo, false));
+  }
+  const std::string original = ReadFile(Pictures("a.jpg"));
+  const struct {
+    std::string target;
+    int code;
+    const char* message;
+  } cases[] = {
+      {Pictures("a.jpg"), 8, "belongs to the picture pictures/a.jpg"},
+      {Pictures("x/../a.jpg"), 8, "belongs to the picture pictures/a.jpg"},
+      {temp_ / "link/a.jpg", 8, "belongs to the picture pictures/a.jpg"},
+      {temp_ / "link.jpg", 8, "belongs to the picture pictures/a.jpg"},
+      {temp_ / "hard.jpg", 8, "belongs to the picture pictures/a.jpg"},
+      {Pictures("moved.jpg"), 8, "belongs to the picture 개인 폴더/renamed.jpg"},
+      {Pictures("gone.jpg"), 8, "belongs to the picture pictures/gone.jpg"},
+      {temp_ / "link/GONE.JPG", 8, "belongs to the picture pictures/gone.jpg"},
+      {Store(), 8, "is in the library's folder"},
+      {temp_ / "library/new.jpg", 8, "is in the library's folder"},
+      {temp_ / "hard.vdb", 8, "is in the library's folder"},
+      {temp_ / "dangling.jpg", 8, "is a link to nowhere"},
+      {temp_ / "locked", 2, "is a folder"},
+      {"", 2, "is a folder"},
+      {temp_ / "locked/new.jpg", 1, "Permission denied"},
+      {temp_ / "locked/other.jpg", 1, "Permission denied"},
+      {temp_ / "kept.jpg", 1, "Permission denied"},
+  };
+  for (const auto& c : cases) {
+    ExpectRefused({"thumb", "a.jpg", "-o", c.target, "--force"}, c.code, c.message);
+    EXPECT_EQ(ReadFile(Pictures("a.jpg")), original);
+  }
+  ExpectRefused({"thumb", "a.jpg", "-o", temp_ / "other.jpg"}, 8, "exists already: --force");
+  EXPECT_EQ(ReadFile(temp_ / "other.jpg"), "mine");
+  EXPECT_EQ(Vdsto({"store", "verify"}).code, 0);
+  EXPECT_EQ(Vdsto({"thumb", "a.jpg", "-fo", temp_ / "other.jpg"}).code, 0);
+  EXPECT_EQ(ReadFile(temp_ / "other.jpg").substr(0, 2), "\xFF\xD8");
+  EXPECT_EQ(fs::status(temp_ / "other.jpg").permissions(), fs::perms::owner_all);
+  EXPECT_EQ(ReadFile(temp_ / "mine too.jpg"), "mine") << "another name of the file that was";
+  EXPECT_EQ(Vdsto({"thumb", "a.jpg", "-o", "/dev/null"}).code, 0);
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
 TEST_F(StoreTest, DamageIsNamedAndRepaired) {
   ImportThree();
   EXPECT_EQ(Vdsto({"store", "verify"}).code, 0);
@@ -132,14 +201,25 @@ TEST_F(StoreTest, DamageIsNamedAndRepaired) {
 }
 
 TEST_F(StoreTest, AStoreInUseAndAFullDiskAreToldInOneLine) {
-  WritePicture(Pictures("a.jpg"));
-  const std::string limited =
-      "trap '' XFSZ; ulimit -f 50000; exec '" VDSTO_PROGRAM "' --library '" + Library() +
-      "' import '" + Pictures() + "' 2> '" + temp_ / "err" + "'";
-  EXPECT_EQ(WEXITSTATUS(std::system(limited.c_str())), 5);
+  WritePicture(Pictures("a.jpg"), 500, 400);
+  const auto run_limited = [&](const std::string& blocks, const std::string& command) {
+    const std::string line = "trap '' XFSZ; ulimit -f " + blocks +
+                             "; exec '" VDSTO_PROGRAM "' --library '" + Library() + "' " + command +
+                             " 2> '" + temp_ / "err" + "'";
+    return WEXITSTATUS(std::system(line.c_str()));
+  };
+  EXPECT_EQ(run_limited("50000", "import '" + Pictures() + "'"), 5);
   EXPECT_THAT(ReadFile(temp_ / "err"), HasSubstr("takes no more images: is the disk full?"));
   EXPECT_EQ(Vdsto({"stat"}).Json()["photos"], 0) << "no row without its image";
   EXPECT_EQ(Counts(Import()), "1 0 0");
+  WriteFile(temp_ / "out/old.jpg", "mine");
+  for (const char* name : {"old.jpg", "new.jpg"}) {
+    EXPECT_EQ(run_limited("80", "thumb a.jpg -fo '" + temp_ / ("out/"s + name) + "'"), 1);
+    EXPECT_THAT(ReadFile(temp_ / "err"), HasSubstr("cannot be written: File too large"));
+  }
+  EXPECT_EQ(ReadFile(temp_ / "out/old.jpg"), "mine");
+  EXPECT_EQ(std::distance(fs::directory_iterator(temp_ / "out"), {}), 1)
+      << "nothing is left behind";
   CRkPhotoImageStorage images;
   ASSERT_TRUE(images.OpenFile(Store().c_str()));
   for (const auto& arguments :

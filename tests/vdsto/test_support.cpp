@@ -1,10 +1,12 @@
 #include "test_support.h"
 
 #include <fcntl.h>
+#include <linux/capability.h>
 #include <poll.h>
 #include <pty.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -92,6 +94,9 @@ Program::Program(std::vector<std::string> arguments, std::string password, std::
   std::vector<char*> raw;
   for (std::string& argument : arguments) raw.push_back(argument.data());
   raw.push_back(nullptr);
+  // Permissions hold for a superuser too: no reading and writing of everything.
+  prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE);
+  prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH);
   dup2(open((output_ / "in").c_str(), O_RDONLY), STDIN_FILENO);
   dup2(open((output_ / "out").c_str(), O_CREAT | O_WRONLY, 0600), STDOUT_FILENO);
   dup2(open((output_ / "err").c_str(), O_CREAT | O_WRONLY, 0600), STDERR_FILENO);

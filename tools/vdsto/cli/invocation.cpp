@@ -28,4 +28,10 @@ ExitCode Invocation::Write(const Answer& answer) {
   return ExitCode::kOk;
 }
 
+ExitCode Invocation::WriteBytes(std::span<const uint8_t> bytes) {
+  out_.write(reinterpret_cast<const char*>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+  return ExitCode::kOk;
+}
+
 }  // namespace vdsto

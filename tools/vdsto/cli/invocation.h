@@ -1,5 +1,7 @@
 #pragma once
+#include <cstdint>
 #include <ostream>
+#include <span>
 #include <string>
 
 #include "tools/vdsto/cli/answer.h"
@@ -36,8 +38,8 @@ class Invocation {
   bool WantsJson() const { return options_.json; }
   /// Writes the answer in the form that the user wants; kOk, for the command to return.
   ExitCode Write(const Answer& answer);
-  /// For answers that are no text.
-  std::ostream& Output() { return out_; }
+  /// Writes an answer that is no text.
+  ExitCode WriteBytes(std::span<const uint8_t> bytes);
 
  private:
   const GlobalOptions& options_;

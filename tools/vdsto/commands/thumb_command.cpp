@@ -1,9 +1,8 @@
-#include <cerrno>
-#include <fstream>
-#include <system_error>
+#include <span>
 
 #include "tools/vdsto/cli/command.h"
 #include "tools/vdsto/cli/invocation.h"
+#include "tools/vdsto/cli/output_file.h"
 #include "tools/vdsto/cli/photo_text.h"
 #include "tools/vdsto/commands/commands.h"
 #include "tools/vdsto/library/image_store.h"
@@ -12,6 +11,10 @@
 
 namespace vdsto {
 namespace {
+
+constexpr const char* kNotes =
+    R"(The file appears whole or not at all. It never takes the place of a picture of the catalogue, also of
+one that is away at the moment, nor of a file of the library.)";
 
 CBinData ReadThumbnail(Library& library, const PHOTOINFO& photo) {
   const std::string key = ImageKeyOf(photo.GetLTBURL());
@@ -29,41 +32,33 @@ CBinData ReadThumbnail(Library& library, const PHOTOINFO& photo) {
   return image;
 }
 
-void Write(const CBinData& image, std::ostream& out) {
-  out.write(reinterpret_cast<const char*>(image.GetData()), image.GetLength());
-}
-
-void WriteFile(const CBinData& image, const std::string& path) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  if (file) Write(image, file);
-  file.close();
-  if (file) return;
-  throw ToolError(ExitCode::kUnexpected, Printable(path) + " cannot be written: " +
-                                             std::generic_category().message(errno));
-}
-
 struct Thumb {
   std::string photo;
   std::string target;
+  bool force = false;
 
   void Declare(Command& command) {
-    command.Photo(photo).RequiredOption("-o,--output", "FILE", target,
-                                        "The file to write, or - for standard output");
+    command.Photo(photo)
+        .RequiredOption("-o,--output", "FILE", target,
+                        "The file to write, or - for standard output")
+        .Flag("-f,--force", force, "Replace a file that exists; pictures of the catalogue stay")
+        .Notes(kNotes);
   }
 
   ExitCode Run(Invocation& invocation) const {
     Library library = invocation.OpenLibrary();
     const PHOTOINFO info = CataloguePath(library).Photo(photo);
     const CBinData image = ReadThumbnail(library, info);
-    if (target == "-") {
-      Write(image, invocation.Output());
-      return ExitCode::kOk;
-    }
-    WriteFile(image, target);
+    const std::span bytes(static_cast<const uint8_t*>(image.GetData()),
+                          static_cast<size_t>(image.GetLength()));
+    if (target == "-") return invocation.WriteBytes(bytes);
+    const OutputFile output(target);
+    output.RequireFree(library, force);
+    output.Write(bytes);
     return invocation.Write(Facts()
                                 .ForPrograms("guid", info.szGUID)
                                 .ForPrograms("file", target)
-                                .ForPrograms("bytes", image.GetLength()));
+                                .ForPrograms("bytes", bytes.size()));
   }
 };
 

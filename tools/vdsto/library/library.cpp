@@ -1,15 +1,13 @@
 #include "tools/vdsto/library/library.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <system_error>
 
+#include "tools/vdsto/library/finished_file.h"
 #include "tools/vdsto/library/import_lock.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/tool_error.h"
@@ -47,15 +45,6 @@ void Report(int code, std::string message) {
                   error.message, concerns_value);
 }
 
-/// Gives a finished file its name unless that name exists, in one step.
-void PublishFile(const std::string& from, const std::string& to) {
-  const bool linked = link(from.c_str(), to.c_str()) == 0;
-  if (!linked && errno != EEXIST && rename(from.c_str(), to.c_str()) != 0) {
-    throw ToolError(ExitCode::kCannotOpen, to + ": " + std::generic_category().message(errno));
-  }
-  unlink(from.c_str());
-}
-
 void CreateCatalogue(const std::string& folder, const std::string& password) {
   const std::string unfinished = Joined(folder, kUnfinishedName);
   CRkPhotoDBManager creator;
@@ -63,7 +52,12 @@ void CreateCatalogue(const std::string& folder, const std::string& password) {
   if (!creator.CreateDB(unfinished.c_str(), password.c_str())) {
     ThrowReported(ExitCode::kCannotOpen, "cannot create a catalogue in " + folder);
   }
-  PublishFile(unfinished, Joined(folder, kCatalogueName));
+  const std::string path = Joined(folder, kCatalogueName);
+  try {
+    PublishFile(unfinished, path);
+  } catch (const std::system_error& error) {
+    throw ToolError(ExitCode::kCannotOpen, path + ": " + error.code().message());
+  }
 }
 
 bool Exists(const std::string& path) {
