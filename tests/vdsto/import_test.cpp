@@ -247,6 +247,58 @@ TEST_F(ImportTest, PasswordComesFromFileOrEnvironment) {
   }
 }
 
+TEST_F(ImportTest, RootsThatCannotBeReadAreToldAndTheOthersImported) {
+  WritePicture(Pictures("good/a.jpg"));
+  WritePicture(Pictures("locked/a.jpg"));
+  WritePicture(Pictures("listed/a.jpg"));
+  WriteFile(temp_ / "file", "");
+  fs::permissions(Pictures("locked"), fs::perms::none);
+  fs::permissions(Pictures("listed"), fs::perms::owner_read);
+  const std::string nowhere = Pictures("nowhere");
+  for (const auto& [root, reason] : {std::pair(nowhere, "No such file or directory"),
+                                     {Pictures("locked"), "Permission denied"},
+                                     {Pictures("listed"), "Permission denied"},
+                                     {temp_ / "file", "Not a directory"}}) {
+    const Outcome outcome = Vdsto({"import", root, nowhere});
+    EXPECT_EQ(outcome.code, 6);
+    EXPECT_THAT(outcome.err, HasSubstr(root + ": " + reason + "; " + nowhere + ": "));
+    EXPECT_FALSE(fs::exists(Library())) << "a wrong word makes no library";
+  }
+  const Outcome outcome =
+      Vdsto({"import", Pictures("locked"), Pictures("good"), nowhere, Pictures("listed")});
+  EXPECT_EQ(outcome.code, 9);
+  EXPECT_EQ(outcome.err, "vdsto: 3 of 4 folders could not be imported\n");
+  EXPECT_EQ(outcome.Json()["added"], 1);
+  EXPECT_EQ(outcome.Json()["unreadable"].size(), 3u);
+  EXPECT_EQ(outcome.Json()["unreadable"][1]["path"], nowhere);
+  fs::permissions(Pictures("locked"), fs::perms::owner_all);
+  EXPECT_EQ(Counts(Import({Pictures("locked"), Pictures("good")})), "1 0 1");
+}
+
+TEST_F(ImportTest, APasswordIsTypedUnseenAndTheTerminalStaysAsItWas) {
+  WritePicture(Pictures("a.jpg"));
+  const auto at_prompt = [&](const std::string& typed) {
+    const auto import = [&] {
+      return execl(VDSTO_PROGRAM, "vdsto", "--library", Library().c_str(), "--password", "import",
+                   Pictures().c_str(), nullptr);
+    };
+    return RunAtTerminal(import, "Password: ", typed);
+  };
+  for (const auto& [typed, code] :
+       {std::pair("se\x03", 130), {"\x1c", 131}, {"\n", 2}, {"\x04", 2}}) {
+    const auto stopped = at_prompt(typed);
+    EXPECT_EQ(stopped.outcome.code, code);
+    EXPECT_TRUE(stopped.echoes);
+    EXPECT_FALSE(fs::exists(Library()));
+  }
+  const auto done = at_prompt("secret\n");
+  EXPECT_EQ(done.outcome.code, 0);
+  EXPECT_TRUE(done.echoes);
+  EXPECT_THAT(done.outcome.out, testing::Not(HasSubstr("secret")));
+  EXPECT_EQ(Vdsto({"stat"}, "secret").code, 0);
+  EXPECT_EQ(Vdsto({"stat"}).code, 4);
+}
+
 TEST_F(ImportTest, EveryFailureIsOneLine) {
   WritePicture(Pictures("a.jpg"));
   Import();

@@ -23,9 +23,10 @@ constexpr const char* kExitCodes = R"(Exit codes:
   3    the library, its catalogue or its image store cannot be opened
   4    wrong password
   5    reading or writing the catalogue or the image store failed
-  6    what was asked for is not there
+  6    what was asked for is not there or cannot be read
   7    the image store has faults
   8    not done, so that nothing is lost
+  9    done in part: a folder to import could not be read
   130  interrupted; what was done until then is kept)";
 
 class CommandLine {

@@ -8,12 +8,8 @@ std::string Invocation::LibraryFolder() const {
   return options_.library_folder.empty() ? DefaultLibraryFolder() : options_.library_folder;
 }
 
-Library Invocation::OpenLibrary() const {
-  return Library({LibraryFolder(), ReadPassword(options_.password)});
-}
-
-Library Invocation::OpenLibrary(const ImportLock& lock) const {
-  return Library({LibraryFolder(), ReadPassword(options_.password)}, lock);
+LibraryOptions Invocation::AskForLibrary() const {
+  return {LibraryFolder(), ReadPassword(options_.password)};
 }
 
 ImportLock Invocation::LockOutImports() const {

@@ -26,11 +26,10 @@ class Invocation {
 
   /// Throws ToolError when there is none to be had.
   std::string LibraryFolder() const;
-  /// Opens the library, which must be there, and asks for its password when the user wants to be
-  /// asked. Throws ToolError.
-  Library OpenLibrary() const;
-  /// The same, but makes the library when it is not there.
-  Library OpenLibrary(const ImportLock& lock) const;
+  /// The same and the password, which it asks for when the user wants to be asked.
+  LibraryOptions AskForLibrary() const;
+  /// Opens the library, which must be there. Throws ToolError.
+  Library OpenLibrary() const { return Library(AskForLibrary()); }
   /// Waits, and says so, until no import works on the library, and keeps others out as long as the
   /// lock lives. Makes the library's folder.
   ImportLock LockOutImports() const;

@@ -10,7 +10,8 @@ struct PasswordSource {
 };
 
 /// Asks on the terminal, reads the first line of the file, or takes $VDSTO_PASSWORD; empty when
-/// there is none of them. Throws ToolError when there is no terminal or no such file.
+/// there is none of them. A signal while it asks leaves the terminal as it was. Throws ToolError
+/// when there is no terminal or no such file, and when nothing is typed.
 std::string ReadPassword(const PasswordSource& source);
 
 }  // namespace vdsto

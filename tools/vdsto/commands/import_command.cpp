@@ -1,3 +1,5 @@
+#include <cstdio>
+
 #include "tools/vdsto/cli/command.h"
 #include "tools/vdsto/cli/invocation.h"
 #include "tools/vdsto/commands/commands.h"
@@ -5,15 +7,14 @@
 #include "tools/vdsto/picture/picture_probe.h"
 #include "tools/vdsto/text/text.h"
 
-#include <cstdio>
-
 namespace vdsto {
 namespace {
 
 constexpr const char* kNotes =
     R"(Running it again brings the catalogue up to date: unchanged files are passed over, changed ones
 updated, missing thumbnails made. Names that begin with a dot are passed over; links to folders are
-followed unless they lead into or above the imported tree. Folders without pictures are not mirrored.)";
+followed unless they lead into or above the imported tree. Folders without pictures are not mirrored. When
+some of the folders cannot be read, the others are imported and the exit code is 9.)";
 
 void AddRemarks(const std::string& key, const std::vector<Remark>& remarks,
                 const std::string& title, Facts& facts) {
@@ -63,13 +64,20 @@ struct Import {
     command.Words("FOLDER", folders, "Folders to import").Notes(kNotes);
   }
 
+  /// The library is made last, when it is sure that there is something to import.
   ExitCode Run(Invocation& invocation) const {
+    const ImportRoots roots = CheckImportRoots(folders);
+    const LibraryOptions options = invocation.AskForLibrary();
     InitialiseProbing();
     const ImportLock lock = invocation.LockOutImports();
-    Library library = invocation.OpenLibrary(lock);
-    const ImportSummary summary = ImportFolders(library, folders, invocation.WantsJson());
+    Library library(options, lock);
+    const ImportSummary summary = ImportFolders(library, roots, invocation.WantsJson());
     invocation.Write(Describe(summary));
-    return summary.interrupted ? ExitCode::kInterrupted : ExitCode::kOk;
+    if (summary.interrupted) return ExitCode::kInterrupted;
+    if (summary.unreadable_roots == 0) return ExitCode::kOk;
+    throw ToolError(ExitCode::kIncomplete, std::to_string(summary.unreadable_roots) + " of " +
+                                               Counted(folders.size(), "folder") +
+                                               " could not be imported");
   }
 };
 

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -24,6 +25,7 @@ struct ImportSummary {
   std::vector<Remark> unreadable;  ///< files and folders that could not be read
   std::vector<Remark> not_stored;  ///< pictures that the catalogue refused
   std::vector<Remark> long_paths;  ///< kept without their location
+  size_t unreadable_roots = 0;     ///< folders to import that are among the unreadable
   double seconds = 0;
   bool interrupted = false;
 

@@ -1,7 +1,10 @@
 #include "tools/vdsto/import/importer.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <exception>
 #include <filesystem>
 #include <system_error>
@@ -31,14 +34,12 @@ struct ProbeResult {
   std::variant<PictureFacts, std::string> outcome;  ///< or why the file could not be read
 };
 
-std::string AbsoluteFolder(const std::string& folder) {
-  std::error_code error;
-  const auto path = std::filesystem::canonical(folder, error);
-  if (error) throw ToolError(ExitCode::kNotFound, Printable(folder) + ": " + error.message());
-  if (!std::filesystem::is_directory(path, error)) {
-    throw ToolError(ExitCode::kNotFound, Printable(folder) + " is not a folder");
-  }
-  return path.string();
+/// Fails when nothing in the folder can be read.
+std::string ReadableFolder(const std::string& folder, std::error_code& error) {
+  const std::string path = std::filesystem::canonical(folder, error).string();
+  if (!error) std::filesystem::directory_iterator(path, error);
+  if (!error && access(path.c_str(), X_OK) != 0) error.assign(errno, std::generic_category());
+  return path;
 }
 
 ProbeResult Probe(ImportJob job) {
@@ -65,10 +66,10 @@ class Import {
     images_.Open();
   }
 
-  ImportSummary Run(const std::vector<std::string>& folders) {
+  ImportSummary Run(const ImportRoots& roots) {
     const auto start = std::chrono::steady_clock::now();
     {
-      std::jthread walker([&] { Walk(folders); });
+      std::jthread walker([&] { Walk(roots.folders); });
       const std::vector<std::jthread> probers = StartProbers();
       try {
         WriteResults();
@@ -79,7 +80,7 @@ class Import {
       }
     }
     if (walk_error_) std::rethrow_exception(walk_error_);
-    Finish();
+    Finish(roots);
     summary_.seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     return std::move(summary_);
@@ -159,13 +160,22 @@ class Import {
     }
   }
 
-  void Finish() {
+  void Finish(const ImportRoots& roots) {
     summary_.unchanged = unchanged_;
     summary_.hidden = walk_.Hidden();
-    summary_.unreadable.insert(summary_.unreadable.end(), walk_.Unreadable().begin(),
-                               walk_.Unreadable().end());
+    for (const auto& remarks : {roots.unreadable, walk_.Unreadable()})
+      summary_.unreadable.insert(summary_.unreadable.end(), remarks.begin(), remarks.end());
+    summary_.unreadable_roots = roots.unreadable.size() + CountUnreadable(roots.folders);
     summary_.folders_created = mirror_.CreatedFolders();
     summary_.interrupted = IsInterrupted();
+  }
+
+  /// Those that went away since they were checked.
+  size_t CountUnreadable(const std::vector<std::string>& folders) const {
+    return static_cast<size_t>(std::count_if(
+        walk_.Unreadable().begin(), walk_.Unreadable().end(), [&](const Remark& remark) {
+          return std::find(folders.begin(), folders.end(), remark.path) != folders.end();
+        }));
   }
 
   ImageStore images_;
@@ -185,9 +195,21 @@ class Import {
 
 }  // namespace
 
-ImportSummary ImportFolders(Library& library, const std::vector<std::string>& folders, bool quiet) {
-  std::vector<std::string> roots;
-  for (const std::string& folder : folders) roots.push_back(AbsoluteFolder(folder));
+ImportRoots CheckImportRoots(const std::vector<std::string>& folders) {
+  ImportRoots roots;
+  for (const std::string& folder : folders) {
+    std::error_code error;
+    const std::string path = ReadableFolder(folder, error);
+    error ? roots.unreadable.push_back({folder, error.message()}) : roots.folders.push_back(path);
+  }
+  if (!roots.folders.empty()) return roots;
+  std::string list;
+  for (const auto& [folder, reason] : roots.unreadable)
+    list += (list.empty() ? "" : "; ") + Printable(folder) + ": " + reason;
+  throw ToolError(ExitCode::kNotFound, list);
+}
+
+ImportSummary ImportFolders(Library& library, const ImportRoots& roots, bool quiet) {
   const InterruptionGuard guard;
   return Import(library, quiet).Run(roots);
 }

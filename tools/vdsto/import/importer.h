@@ -7,10 +7,18 @@
 
 namespace vdsto {
 
-/// Mirrors the given folders under the personal root. One thread walks, every core probes, the
-/// caller's thread writes; stops early, with everything consistent, when the user asks for it.
-/// Throws ToolError when a folder is not there or the catalogue or its images fail; what was
-/// written before stays.
-ImportSummary ImportFolders(Library& library, const std::vector<std::string>& folders, bool quiet);
+/// The folders that an import is to mirror: those that can be read, without links, and the others.
+struct ImportRoots {
+  std::vector<std::string> folders;
+  std::vector<Remark> unreadable;
+};
+
+/// Throws ToolError when none can be read.
+ImportRoots CheckImportRoots(const std::vector<std::string>& folders);
+
+/// Mirrors the folders under the personal root. One thread walks, every core probes, the caller's
+/// thread writes; stops early, with everything consistent, when the user asks for it. Throws
+/// ToolError when the catalogue or its images fail; what was written before stays.
+ImportSummary ImportFolders(Library& library, const ImportRoots& roots, bool quiet);
 
 }  // namespace vdsto
