@@ -1,9 +1,17 @@
 #include "bench/ratio_table.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
 namespace bench {
+
+bool RatioTable::ReportContext(const Context& context) {
+  if (!described_) ConsoleReporter::ReportContext(context);
+  name_field_width_ = std::max(name_field_width_, context.name_field_width);
+  described_ = true;
+  return true;
+}
 
 void RatioTable::ReportRuns(const std::vector<Run>& runs) {
   ConsoleReporter::ReportRuns(runs);
@@ -35,6 +43,9 @@ void RatioTable::Print() const {
       std::printf("   %.1f %s", target_, met ? "met" : "MISSED");
     }
     std::printf("\n");
+  }
+  for (const auto& [operation, note] : notes_) {
+    std::printf("%s: %s\n", operation.c_str(), note.c_str());
   }
 }
 

@@ -20,7 +20,12 @@ class RatioTable : public benchmark::ConsoleReporter {
   explicit RatioTable(const char* size = "photos", double target = 0)
       : size_(size), target_(target) {}
 
+  /// The machine is described once, however many times benchmarks are run.
+  bool ReportContext(const Context& context) override;
   void ReportRuns(const std::vector<Run>& runs) override;
+
+  /// What a reader of an operation's figures must know; printed below the table.
+  void Note(const std::string& operation, const std::string& note) { notes_[operation] = note; }
 
   /// The table of everything measured so far.
   void Print() const;
@@ -35,6 +40,8 @@ class RatioTable : public benchmark::ConsoleReporter {
   const char* size_;
   double target_;
   std::map<Key, Pair> results_;
+  std::map<std::string, std::string> notes_;
+  bool described_ = false;
 };
 
 }  // namespace bench
