@@ -146,12 +146,12 @@ void CheckLeftovers() {
   using vdstomgr::StorageFault;
   std::uint64_t damaged = 0;
   for (const auto& finding : vdstomgr::VerifyStorage(DataPath().c_str()).findings) {
-    const bool is_damage = finding.fault == StorageFault::record_damaged ||
-                           finding.fault == StorageFault::record_checksum ||
-                           finding.fault == StorageFault::record_tail_short;
+    const bool is_damage = finding.fault == StorageFault::RecordDamaged ||
+                           finding.fault == StorageFault::RecordChecksum ||
+                           finding.fault == StorageFault::RecordTailShort;
     if (is_damage) damaged = finding.offset;
-    Require(is_damage || (finding.fault == StorageFault::record_without_cluster &&
-                          finding.offset == damaged),
+    Require(is_damage ||
+                (finding.fault == StorageFault::RecordWithoutCluster && finding.offset == damaged),
             finding.text.c_str());
   }
 }

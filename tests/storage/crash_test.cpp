@@ -87,7 +87,7 @@ class Crash : public Records {
     DeleteBackups();
     ASSERT_TRUE(storage_.LoadStorageFile(path_.c_str(), 2, 3));
     for (const auto& finding : vdstomgr::VerifyStorage(path_.c_str()).findings) {
-      ASSERT_EQ(finding.fault, vdstomgr::StorageFault::record_without_cluster) << finding.text;
+      ASSERT_EQ(finding.fault, vdstomgr::StorageFault::RecordWithoutCluster) << finding.text;
     }
     for (int key = 0; key < kKeys; ++key) {
       const auto expected = live_.find(key);

@@ -84,11 +84,11 @@ TEST_F(Processes, AnotherOneFindsRecordsWhileTheyMove) {
   CBinData data;
   for (int i = 0; i < 1000; ++i) {
     const std::string key = key_of(i % 200);
-    ASSERT_EQ(vdstomgr::ReadStorage(path.c_str(), key.c_str(), data), StorageLookup::found) << i;
+    ASSERT_EQ(vdstomgr::ReadStorage(path.c_str(), key.c_str(), data), StorageLookup::Found) << i;
     ASSERT_EQ(std::string(data.begin(), data.end()), std::string(5000, 'x') + key);
   }
-  EXPECT_EQ(vdstomgr::ReadStorage(path.c_str(), "none", data), StorageLookup::no_record);
-  EXPECT_EQ(vdstomgr::ReadStorage(path.c_str(), DWORD{5}, data), StorageLookup::unreadable);
+  EXPECT_EQ(vdstomgr::ReadStorage(path.c_str(), "none", data), StorageLookup::NoRecord);
+  EXPECT_EQ(vdstomgr::ReadStorage(path.c_str(), DWORD{5}, data), StorageLookup::Unreadable);
   EXPECT_EQ(kill(writer, SIGKILL), 0);
   int status = 0;
   waitpid(writer, &status, 0);

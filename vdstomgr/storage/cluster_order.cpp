@@ -1,6 +1,7 @@
 #include "vdstomgr/storage/cluster_order.h"
 
 #include <bit>
+#include <cassert>
 #include <cstdint>
 
 namespace vdstomgr {
@@ -53,16 +54,20 @@ void ClusterOrder::NumberFrom(std::size_t position) {
 }
 
 RankedSlot ClusterOrder::At(std::size_t position) const {
+  assert(position < size_);
   const auto [block, index] = Locate(position);
   return {blocks_[block]->ranks[index], blocks_[block]->slots[index]};
 }
 
 void ClusterOrder::SetSlot(std::size_t position, DWORD slot) {
+  assert(position < size_);
   const auto [block, index] = Locate(position);
   blocks_[block]->slots[index] = slot;
 }
 
 void ClusterOrder::Insert(std::size_t position, RankedSlot cluster) {
+  assert(position == 0 || At(position - 1).rank <= cluster.rank);
+  assert(position == size_ || cluster.rank <= At(position).rank);
   const auto [block, index] = MakeRoom(Locate(position));
   blocks_[block]->Insert(index, cluster);
   if (index == 0) first_ranks_[block] = cluster.rank;
@@ -70,6 +75,7 @@ void ClusterOrder::Insert(std::size_t position, RankedSlot cluster) {
 }
 
 void ClusterOrder::Remove(std::size_t position) {
+  assert(position < size_);
   const auto [block, index] = Locate(position);
   blocks_[block]->Remove(index);
   ChangeSize(block, false);

@@ -1,6 +1,7 @@
 #include "vdstomgr/storage/cluster_table.h"
 
 #include <atomic>
+#include <cassert>
 #include <cstring>
 
 #include "vdstomgr/storage/little_endian.h"
@@ -36,6 +37,7 @@ void ClusterTable::Free(DWORD slot) const {
 }
 
 void ClusterTable::Copy(DWORD to, DWORD from) const {
+  assert(to != from);
   const std::size_t most = UnitBytes() - kLengthBytes;
   BYTE* const target = Unit(to);
   const BYTE* const source = Unit(from);

@@ -46,20 +46,20 @@ std::optional<DataFileCheck> DataFileCheck::Begin(os::File& file, StorageReport&
     return std::nullopt;
   };
   if (file.Size(size) || file.ReadAt(0, bytes.data(), bytes.size(), count)) {
-    return refuse(StorageFault::data_file_unreadable, "the data file cannot be read");
+    return refuse(StorageFault::DataFileUnreadable, "the data file cannot be read");
   }
   if (count < bytes.size()) {
-    return refuse(StorageFault::data_header_short, "the data file ends inside its header");
+    return refuse(StorageFault::DataHeaderShort, "the data file ends inside its header");
   }
   const auto header = DataHeader::Decode(bytes.data());
-  if (!header) return refuse(StorageFault::data_signature, "not a data file");
+  if (!header) return refuse(StorageFault::DataSignature, "not a data file");
   if (!DataHeader::HasKnownVersion(bytes.data())) {
-    return refuse(StorageFault::data_version, "a data file of an unknown version");
+    return refuse(StorageFault::DataVersion, "a data file of an unknown version");
   }
-  if (!header->HasKnownKeys()) return refuse(StorageFault::data_key_kind, "unknown kind of keys");
+  if (!header->HasKnownKeys()) return refuse(StorageFault::DataKeyKind, "unknown kind of keys");
   const std::uint64_t present = size - kDataHeaderBytes;
   if (header->data_length > present) {
-    AddFinding(report, StorageFault::data_length, kDataLengthAt,
+    AddFinding(report, StorageFault::DataLength, kDataLengthAt,
                "the header counts " + std::to_string(header->data_length) +
                    " bytes of records, the file has " + std::to_string(present));
   }
@@ -166,7 +166,7 @@ void DataFileCheck::Visit(std::uint64_t offset, const RecordHead& head, StorageR
     report.live_bytes += head.length;
   } else {
     ++report.damaged_records;
-    AddFinding(report, StorageFault::record_checksum, kDataHeaderBytes + offset,
+    AddFinding(report, StorageFault::RecordChecksum, kDataHeaderBytes + offset,
                "the data of " + PrintableKey(header_, record.key) + ", a record of " +
                    std::to_string(head.length) + " bytes, has another checksum");
   }
@@ -186,7 +186,7 @@ void DataFileCheck::Walk(StorageReport& report,
     const std::uint64_t next = FindRecord(offset + 1);
     const bool is_tail = next == end_ && IsCutOff(offset);
     ++report.damaged_records;
-    AddFinding(report, is_tail ? StorageFault::record_tail_short : StorageFault::record_damaged,
+    AddFinding(report, is_tail ? StorageFault::RecordTailShort : StorageFault::RecordDamaged,
                kDataHeaderBytes + offset,
                std::to_string(next - offset) + (is_tail ? " bytes of a record that is not all there"
                                                         : " bytes that are no record"));

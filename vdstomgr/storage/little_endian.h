@@ -2,7 +2,9 @@
 
 #include <atomic>
 #include <bit>
+#include <cassert>
 #include <concepts>
+#include <cstdint>
 #include <cstring>
 
 #include "vdstomgr/platform/framework/types.h"
@@ -39,6 +41,7 @@ void StoreLittle(BYTE* at, Number number) {
 /// the number's size.
 template <std::unsigned_integral Number>
 void PublishLittle(BYTE* at, Number number) {
+  assert(reinterpret_cast<std::uintptr_t>(at) % sizeof number == 0);
   std::atomic_ref<Number>(*reinterpret_cast<Number*>(at))
       .store(SwapIfBig(number), std::memory_order_release);
 }

@@ -1,6 +1,7 @@
 #include "vdstomgr/storage/mapped_file.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <limits>
 #include <utility>
@@ -145,6 +146,7 @@ BYTE* MappedFile::View(std::uint64_t offset, DWORD length) {
     Trace("CRkFileMapper::LockFile >> Error : %d [%s]\n", error.value(), path_.GetString());
     return nullptr;
   }
+  assert(IsInWindow(offset, length));
   has_view_.store(true, std::memory_order_relaxed);
   view_offset_ = offset;
   view_length_ = length;
@@ -222,6 +224,7 @@ bool MappedFile::ReserveMore(std::uint64_t offset, std::uint64_t size) {
     Trace("CRkFileMapper::Reserve >> Error : %d [%s]\n", error.value(), path_.GetString());
     return false;
   }
+  assert(begin < end && offset + size <= end);
   if (begin <= reserved_) reserved_ = end;
   return true;
 }

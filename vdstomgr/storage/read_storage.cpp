@@ -34,13 +34,13 @@ class Glance {
 
   StorageLookup Find(CBinData& data) {
     std::vector<RecordPlace> places;
-    if (!is_readable_ || !ReadPlaces(places)) return StorageLookup::unreadable;
+    if (!is_readable_ || !ReadPlaces(places)) return StorageLookup::Unreadable;
     std::sort(places.begin(), places.end(),
               [](const auto& left, const auto& right) { return left.offset > right.offset; });
     for (const RecordPlace& place : places) {
-      if (ReadRecord(place, data)) return StorageLookup::found;
+      if (ReadRecord(place, data)) return StorageLookup::Found;
     }
-    return StorageLookup::no_record;
+    return StorageLookup::NoRecord;
   }
 
  private:
@@ -115,11 +115,11 @@ class Glance {
 /// A writer that compacts renames the files, and one that sorts moves clusters: both are over soon.
 StorageLookup Read(const char* path, WORD key_type, KeyBytes key, CBinData& data) {
   data.Reset();
-  auto answer = StorageLookup::unreadable;
+  auto answer = StorageLookup::Unreadable;
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     if (attempt != 0) std::this_thread::sleep_for(kPause);
     answer = Glance(path, key_type, key).Find(data);
-    if (answer == StorageLookup::found) break;
+    if (answer == StorageLookup::Found) break;
   }
   return answer;
 }
@@ -128,7 +128,7 @@ StorageLookup Read(const char* path, WORD key_type, KeyBytes key, CBinData& data
 
 StorageLookup ReadStorage(const char* path, const char* key, CBinData& data) {
   data.Reset();
-  if (key == nullptr) return StorageLookup::no_record;
+  if (key == nullptr) return StorageLookup::NoRecord;
   return Read(path, kStringKey, KeyOfText(key, std::strlen(key)), data);
 }
 

@@ -6,9 +6,9 @@
 namespace vdstomgr {
 
 enum class StorageLookup {
-  found,
-  no_record,
-  unreadable  ///< no pair of files that belong together, or keys of the other kind
+  Found,
+  NoRecord,
+  Unreadable  ///< no pair of files that belong together, or keys of the other kind
 };
 
 /// Copies the data of the record with a key, the newest of several, out of the storage at `path`
@@ -16,7 +16,7 @@ enum class StorageLookup {
 /// nothing, takes no lock and reads the index file once through; what the writer is moving just
 /// then is looked for again. Only a whole record with the right checksum is found, and of what was
 /// acknowledged before the call nothing is overlooked while the writer rests. `data` is empty
-/// unless the answer is found.
+/// unless the answer is Found.
 VDSTO_API StorageLookup ReadStorage(const char* path, const char* key, CBinData& data);
 VDSTO_API StorageLookup ReadStorage(const char* path, DWORD key, CBinData& data);
 

@@ -1,6 +1,7 @@
 #include "vdstomgr/storage/record_format.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <iterator>
 
@@ -24,6 +25,7 @@ constexpr std::size_t kReservedBytes = 2;
 
 /// The key, with zeros up to its full length and for the reserved bytes after it.
 BYTE* PutKey(BYTE* at, std::size_t key_length, KeyBytes key) {
+  assert(key.size() <= key_length);
   BYTE* const end = std::copy(key.begin(), key.end(), at);
   BYTE* const next = at + key_length + kReservedBytes;
   std::fill(end, next, BYTE{0});
@@ -64,8 +66,9 @@ bool RecordHead::HasStartMark() const {
 
 void EncodeRecord(BYTE* record, const RecordPlace& place, WORD key_length, KeyBytes key,
                   const BYTE* data) {
+  assert(place.length >= kRecordFrameBytes + key_length);
   record[0] = kStartMark;
-  record[kStateAt] = static_cast<BYTE>(RecordState::live);
+  record[kStateAt] = static_cast<BYTE>(RecordState::Live);
   StoreLittle(record + kLengthAt, place.length);
   StoreLittle(record + kCrcAt, place.crc);
   const std::size_t data_length = place.length - kRecordFrameBytes - key_length;
@@ -75,7 +78,7 @@ void EncodeRecord(BYTE* record, const RecordPlace& place, WORD key_length, KeyBy
 }
 
 void MarkRemoved(BYTE* record) {
-  record[kStateAt] = static_cast<BYTE>(RecordState::removed);
+  record[kStateAt] = static_cast<BYTE>(RecordState::Removed);
 }
 
 bool HasEndMark(const BYTE* record_end) {

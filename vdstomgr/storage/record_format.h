@@ -54,7 +54,7 @@ struct RecordPlace {
   friend bool operator==(const RecordPlace&, const RecordPlace&) = default;
 };
 
-enum class RecordState : BYTE { live = 0x11, removed = 0x22 };
+enum class RecordState : BYTE { Live = 0x11, Removed = 0x22 };
 
 /// The first bytes of a record, before its key.
 struct RecordHead {
@@ -67,8 +67,8 @@ struct RecordHead {
 
   static RecordHead Decode(const BYTE* record);
   bool HasStartMark() const;
-  bool IsLive() const { return state == static_cast<BYTE>(RecordState::live); }
-  bool IsRemoved() const { return state == static_cast<BYTE>(RecordState::removed); }
+  bool IsLive() const { return state == static_cast<BYTE>(RecordState::Live); }
+  bool IsRemoved() const { return state == static_cast<BYTE>(RecordState::Removed); }
 };
 
 /// Writes a live record of `place.length` bytes. Shorter keys are filled up with zeros.

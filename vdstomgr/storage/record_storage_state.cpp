@@ -1,5 +1,6 @@
 #include "vdstomgr/storage/record_storage_state.h"
 
+#include <cassert>
 #include <cerrno>
 #include <limits>
 
@@ -94,6 +95,7 @@ bool CRkStorageManager::State::PublishLength(std::uint64_t length) {
 bool CRkStorageManager::State::Append(KeyBytes key, const BYTE* bytes, DWORD length, DWORD crc,
                                       bool sort) {
   if (length > std::numeric_limits<DWORD>::max() - header.LeastRecord()) return false;
+  assert(key.size() <= header.key_length);
   const RecordPlace place{header.data_length, header.LeastRecord() + length, crc};
   const std::uint64_t at = kDataHeaderBytes + place.offset;
   if (!clusters.IsOpen() || !data.Grow(at + place.length)) return false;

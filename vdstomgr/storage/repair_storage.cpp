@@ -121,7 +121,7 @@ bool Rebuild(os::ExclusiveFile& file, const CString& index_path, RepairReport& r
     return true;
   }
   DeleteUnlessInUse(new_index);
-  AddFinding(report.found, StorageFault::index_file_unreadable, 0,
+  AddFinding(report.found, StorageFault::IndexFileUnreadable, 0,
              "the new index file cannot be written");
   return false;
 }
@@ -135,7 +135,7 @@ RepairReport RepairStorage(const char* path) {
   std::unique_ptr<os::ExclusiveFile> file;
   if (files.index.IsEmpty() ||
       os::Files().OpenExclusive(NativePath(files.data), os::Caching::normal, file)) {
-    AddFinding(report.found, StorageFault::data_file_unreadable, 0,
+    AddFinding(report.found, StorageFault::DataFileUnreadable, 0,
                "the data file is missing or in use");
     return report;
   }

@@ -1,6 +1,7 @@
 #include "vdstomgr/storage/sorted_units.h"
 
 #include <algorithm>
+#include <cassert>
 #include <functional>
 #include <span>
 #include <utility>
@@ -166,11 +167,13 @@ bool SortedUnits::SameKey(int left, int right) const {
 }
 
 int SortedUnits::RunStart(int position) const {
+  assert(Has(position));
   return position -
          CountSame(position, [&](int steps) { return SameKey(position - steps, position); });
 }
 
 int SortedUnits::RunEnd(int position) const {
+  assert(Has(position));
   return position + CountSame(Count() - 1 - position,
                               [&](int steps) { return SameKey(position + steps, position); });
 }

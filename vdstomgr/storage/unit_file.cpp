@@ -1,6 +1,7 @@
 #include "vdstomgr/storage/unit_file.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -140,6 +141,7 @@ BYTE* UnitFile::Units() {
 }
 
 BYTE* UnitFile::At(int index) const {
+  assert(view_ != nullptr && index >= 0);
   return view_ + kArrayHeaderBytes + Unit() * static_cast<std::size_t>(index);
 }
 

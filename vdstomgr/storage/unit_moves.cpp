@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cassert>
 #include <cstring>
 
 namespace vdstomgr {
@@ -16,6 +17,7 @@ void CopyPiece(BYTE* to, const BYTE* from, std::size_t size) {
 }  // namespace
 
 void MoveDown(BYTE* from, std::size_t size, std::size_t distance) {
+  assert(distance != 0);
   for (std::size_t done = 0; done < size;) {
     const std::size_t piece = std::min(distance, size - done);
     CopyPiece(from + done - distance, from + done, piece);
@@ -24,6 +26,7 @@ void MoveDown(BYTE* from, std::size_t size, std::size_t distance) {
 }
 
 void MoveUp(BYTE* from, std::size_t size, std::size_t distance) {
+  assert(distance != 0);
   for (std::size_t left = size; left > 0;) {
     const std::size_t piece = std::min(distance, left);
     left -= piece;

@@ -20,26 +20,26 @@ struct FaultName {
 };
 
 constexpr FaultName kNames[] = {
-    {StorageFault::data_file_unreadable, "data_file_unreadable"},
-    {StorageFault::data_header_short, "data_header_short"},
-    {StorageFault::data_signature, "data_signature"},
-    {StorageFault::data_version, "data_version"},
-    {StorageFault::data_key_kind, "data_key_kind"},
-    {StorageFault::data_length, "data_length"},
-    {StorageFault::record_tail_short, "record_tail_short"},
-    {StorageFault::record_damaged, "record_damaged"},
-    {StorageFault::record_checksum, "record_checksum"},
-    {StorageFault::index_file_unreadable, "index_file_unreadable"},
-    {StorageFault::index_header, "index_header"},
-    {StorageFault::index_length, "index_length"},
-    {StorageFault::cluster_free, "cluster_free"},
-    {StorageFault::cluster_double, "cluster_double"},
-    {StorageFault::cluster_order, "cluster_order"},
-    {StorageFault::cluster_outside, "cluster_outside"},
-    {StorageFault::cluster_overlap, "cluster_overlap"},
-    {StorageFault::cluster_mismatch, "cluster_mismatch"},
-    {StorageFault::cluster_of_removed, "cluster_of_removed"},
-    {StorageFault::record_without_cluster, "record_without_cluster"},
+    {StorageFault::DataFileUnreadable, "data_file_unreadable"},
+    {StorageFault::DataHeaderShort, "data_header_short"},
+    {StorageFault::DataSignature, "data_signature"},
+    {StorageFault::DataVersion, "data_version"},
+    {StorageFault::DataKeyKind, "data_key_kind"},
+    {StorageFault::DataLength, "data_length"},
+    {StorageFault::RecordTailShort, "record_tail_short"},
+    {StorageFault::RecordDamaged, "record_damaged"},
+    {StorageFault::RecordChecksum, "record_checksum"},
+    {StorageFault::IndexFileUnreadable, "index_file_unreadable"},
+    {StorageFault::IndexHeader, "index_header"},
+    {StorageFault::IndexLength, "index_length"},
+    {StorageFault::ClusterFree, "cluster_free"},
+    {StorageFault::ClusterDouble, "cluster_double"},
+    {StorageFault::ClusterOrder, "cluster_order"},
+    {StorageFault::ClusterOutside, "cluster_outside"},
+    {StorageFault::ClusterOverlap, "cluster_overlap"},
+    {StorageFault::ClusterMismatch, "cluster_mismatch"},
+    {StorageFault::ClusterOfRemoved, "cluster_of_removed"},
+    {StorageFault::RecordWithoutCluster, "record_without_cluster"},
 };
 
 /// So many are looked at whatever the data file's length.
@@ -81,7 +81,7 @@ class IndexCheck {
 void IndexCheck::Load(const std::string& path) {
   std::unique_ptr<os::File> file;
   if (os::Files().Open(path, os::OpenMode::read, file)) {
-    AddFinding(report_, StorageFault::index_file_unreadable, 0, "the index file cannot be read");
+    AddFinding(report_, StorageFault::IndexFileUnreadable, 0, "the index file cannot be read");
     return;
   }
   if (!ReadUnits(*file)) return;
@@ -98,26 +98,26 @@ bool IndexCheck::ReadUnits(os::File& file) {
     return false;
   };
   if (file.Size(size) || file.ReadAt(0, start.data(), start.size(), count)) {
-    return refuse(StorageFault::index_file_unreadable, "the index file cannot be read");
+    return refuse(StorageFault::IndexFileUnreadable, "the index file cannot be read");
   }
   if (count < start.size() || !ArrayHeader::HasSignature(start.data())) {
-    return refuse(StorageFault::index_header, "not an index file");
+    return refuse(StorageFault::IndexHeader, "not an index file");
   }
   const ArrayHeader header = ArrayHeader::Decode(start.data());
   if (header.array_id != header_.storage_id || header.unit_size != header_.ClusterBytes()) {
-    return refuse(StorageFault::index_header, "the index file of another storage");
+    return refuse(StorageFault::IndexHeader, "the index file of another storage");
   }
   const DWORD bytes = header.data_bytes;
   if (bytes > size - kArrayHeaderBytes || bytes % header_.ClusterBytes() != 0) {
-    return refuse(StorageFault::index_length, "the header counts clusters that are not there");
+    return refuse(StorageFault::IndexLength, "the header counts clusters that are not there");
   }
   report_.clusters = bytes / header_.ClusterBytes();
   if (report_.clusters > std::max(kManyClusters, end_ / header_.LeastRecord())) {
-    return refuse(StorageFault::index_length, "far more clusters than the data file has records");
+    return refuse(StorageFault::IndexLength, "far more clusters than the data file has records");
   }
   units_.resize(bytes);
   if (file.ReadAt(kArrayHeaderBytes, units_.data(), bytes, count) || count != bytes) {
-    return refuse(StorageFault::index_file_unreadable, "the index file cannot be read");
+    return refuse(StorageFault::IndexFileUnreadable, "the index file cannot be read");
   }
   return true;
 }
@@ -133,7 +133,7 @@ void IndexCheck::CheckOrder() {
   };
   for (DWORD slot = 1; slot < report_.clusters; ++slot) {
     if (!is_after(slot)) continue;
-    Report(StorageFault::cluster_order, slot, "is the first that is not in key order");
+    Report(StorageFault::ClusterOrder, slot, "is the first that is not in key order");
     return;
   }
 }
@@ -144,11 +144,11 @@ void IndexCheck::CheckPlaces() {
   present.data_length = end_;
   for (DWORD slot = 0; slot < report_.clusters; ++slot) {
     if (table.IsFree(slot)) {
-      Report(StorageFault::cluster_free, slot, "is a free one");
+      Report(StorageFault::ClusterFree, slot, "is a free one");
     } else if (table.PlaceAt(slot).IsWithin(present)) {
       by_offset_.push_back(slot);
     } else {
-      Report(StorageFault::cluster_outside, slot, "names bytes that the data file does not have");
+      Report(StorageFault::ClusterOutside, slot, "names bytes that the data file does not have");
     }
   }
   std::sort(by_offset_.begin(), by_offset_.end(), [&](DWORD left, DWORD right) {
@@ -160,9 +160,9 @@ void IndexCheck::CheckPlaces() {
   for (std::size_t i = 0; i < by_offset_.size(); ++i) {
     const RecordPlace place = table.PlaceAt(by_offset_[i]);
     if (i > 0 && place.offset == table.PlaceAt(by_offset_[i - 1]).offset) {
-      Report(StorageFault::cluster_double, by_offset_[i], "names the record of another one");
+      Report(StorageFault::ClusterDouble, by_offset_[i], "names the record of another one");
     } else if (place.offset < end) {
-      Report(StorageFault::cluster_overlap, by_offset_[i], "names a part of another's record");
+      Report(StorageFault::ClusterOverlap, by_offset_[i], "names a part of another's record");
     }
     end = std::max(end, place.offset + place.length);
   }
@@ -173,7 +173,7 @@ void IndexCheck::SkipTo(std::uint64_t offset) {
   for (; next_ < by_offset_.size(); ++next_) {
     const std::uint64_t place = Table().PlaceAt(by_offset_[next_]).offset;
     if (place >= offset) return;
-    Report(StorageFault::cluster_mismatch, by_offset_[next_],
+    Report(StorageFault::ClusterMismatch, by_offset_[next_],
            "names offset " + std::to_string(place) + ", where no record begins");
   }
 }
@@ -183,9 +183,9 @@ void IndexCheck::CompareOne(DWORD slot, const CheckedRecord& record, bool& is_fo
   const KeyBytes key = table.KeyAt(slot);
   if (table.PlaceAt(slot) != record.place ||
       !std::equal(key.begin(), key.end(), record.key.begin())) {
-    Report(StorageFault::cluster_mismatch, slot, "differs from its record");
+    Report(StorageFault::ClusterMismatch, slot, "differs from its record");
   } else if (!record.is_live) {
-    Report(StorageFault::cluster_of_removed, slot, "names a removed record");
+    Report(StorageFault::ClusterOfRemoved, slot, "names a removed record");
   } else {
     is_found = true;
   }
@@ -199,7 +199,7 @@ void IndexCheck::Compare(const CheckedRecord& record) {
     CompareOne(by_offset_[next_], record, is_found);
   }
   if (is_found || !record.is_live) return;
-  AddFinding(report_, StorageFault::record_without_cluster, kDataHeaderBytes + record.place.offset,
+  AddFinding(report_, StorageFault::RecordWithoutCluster, kDataHeaderBytes + record.place.offset,
              "the record of " + PrintableKey(header_, record.key) + " has no cluster");
 }
 
@@ -213,8 +213,8 @@ const char* NameOf(StorageFault fault) {
 }
 
 bool IsMendedByLoad(StorageFault fault) {
-  return fault == StorageFault::cluster_free || fault == StorageFault::cluster_double ||
-         fault == StorageFault::cluster_order;
+  return fault == StorageFault::ClusterFree || fault == StorageFault::ClusterDouble ||
+         fault == StorageFault::ClusterOrder;
 }
 
 StorageReport VerifyStorage(const char* path) {
@@ -222,7 +222,7 @@ StorageReport VerifyStorage(const char* path) {
   const CString data_path(path);
   std::unique_ptr<os::File> file;
   if (os::Files().Open(NativePath(data_path), os::OpenMode::read, file)) {
-    AddFinding(report, StorageFault::data_file_unreadable, 0, "the data file cannot be read");
+    AddFinding(report, StorageFault::DataFileUnreadable, 0, "the data file cannot be read");
     return report;
   }
   auto data = DataFileCheck::Begin(*file, report);

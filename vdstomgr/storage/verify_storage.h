@@ -10,29 +10,29 @@ namespace vdstomgr {
 
 /// What can be wrong with the two files of a record storage.
 enum class StorageFault {
-  data_file_unreadable,   ///< missing, or the system refuses to read it
-  data_header_short,      ///< the data file ends inside its header
-  data_signature,         ///< the data file does not begin as one
-  data_version,           ///< a data file of a version that nobody has written yet
-  data_key_kind,          ///< keys of an unknown kind
-  data_length,            ///< the header counts bytes that the file does not have
-  record_tail_short,      ///< the last record is not all there: it was being written
-  record_damaged,         ///< bytes that are no record: wrong mark, state or length
-  record_checksum,        ///< a live record whose data has another checksum than it says
-  index_file_unreadable,  ///< missing, or the system refuses to read it
-  index_header,           ///< no array file, of another storage, or of other key length
-  index_length,           ///< the header counts clusters that the file does not have
-  cluster_free,           ///< a cluster that was being moved; the next load drops it
-  cluster_double,         ///< a second cluster for one record; the next load drops a whole copy
-  cluster_order,          ///< clusters not in key order; the next load sorts them
-  cluster_outside,        ///< a cluster for bytes that the data file does not have
-  cluster_overlap,        ///< a cluster for part of another one's record
-  cluster_mismatch,       ///< no record begins there, or it has another key, length or checksum
-  cluster_of_removed,     ///< the record is a removed one
-  record_without_cluster  ///< a live record that nobody can find: its adding was cut off
+  DataFileUnreadable,   ///< missing, or the system refuses to read it
+  DataHeaderShort,      ///< the data file ends inside its header
+  DataSignature,        ///< the data file does not begin as one
+  DataVersion,          ///< a data file of a version that nobody has written yet
+  DataKeyKind,          ///< keys of an unknown kind
+  DataLength,           ///< the header counts bytes that the file does not have
+  RecordTailShort,      ///< the last record is not all there: it was being written
+  RecordDamaged,        ///< bytes that are no record: wrong mark, state or length
+  RecordChecksum,       ///< a live record whose data has another checksum than it says
+  IndexFileUnreadable,  ///< missing, or the system refuses to read it
+  IndexHeader,          ///< no array file, of another storage, or of other key length
+  IndexLength,          ///< the header counts clusters that the file does not have
+  ClusterFree,          ///< a cluster that was being moved; the next load drops it
+  ClusterDouble,        ///< a second cluster for one record; the next load drops a whole copy
+  ClusterOrder,         ///< clusters not in key order; the next load sorts them
+  ClusterOutside,       ///< a cluster for bytes that the data file does not have
+  ClusterOverlap,       ///< a cluster for part of another one's record
+  ClusterMismatch,      ///< no record begins there, or it has another key, length or checksum
+  ClusterOfRemoved,     ///< the record is a removed one
+  RecordWithoutCluster  ///< a live record that nobody can find: its adding was cut off
 };
 
-/// The name of a fault, as in the enumeration.
+/// The name of a fault for programs: its words in lower case, joined by underscores.
 VDSTO_API const char* NameOf(StorageFault fault);
 
 /// Whether the next load mends it by itself.

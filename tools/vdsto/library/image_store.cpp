@@ -125,8 +125,8 @@ bool ReadImage(const std::string& library_folder, const std::string& key, CBinDa
   const std::string path = ImageStorePath(library_folder);
   if (!IsWhole(path)) return false;
   const auto answer = vdstomgr::ReadStorage(path.c_str(), key.c_str(), image);
-  if (answer != vdstomgr::StorageLookup::unreadable) {
-    return answer == vdstomgr::StorageLookup::found;
+  if (answer != vdstomgr::StorageLookup::Unreadable) {
+    return answer == vdstomgr::StorageLookup::Found;
   }
   throw ToolError(ExitCode::kCannotOpen, Printable(path) + " " + WhyNotOpened(path, R_OK));
 }

@@ -15,7 +15,7 @@ constexpr size_t kGuidLength = 36;
 /// What an import leaves that was killed while it added an image: nothing is lost with it.
 bool IsHarmless(const vdstomgr::StorageFinding& finding) {
   return vdstomgr::IsMendedByLoad(finding.fault) ||
-         finding.fault == vdstomgr::StorageFault::record_without_cluster;
+         finding.fault == vdstomgr::StorageFault::RecordWithoutCluster;
 }
 
 /// A compaction keeps nothing of a damaged image; repairing names it first.
