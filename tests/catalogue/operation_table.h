@@ -29,6 +29,15 @@ std::string Joined(const Values&... values) {
   return text.str();
 }
 
+/// The same with its values worked out one after the other: Answers{first call, second call}.
+struct Answers {
+  template <class... Values>
+  Answers(const Values&... values) : text(Joined(values...)) {}
+  operator std::string() const { return text; }
+
+  std::string text;
+};
+
 /// The items of a list that an operation fills, joined by ','.
 template <class List>
 std::string Listed(const List& list) {

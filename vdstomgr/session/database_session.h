@@ -150,12 +150,16 @@ class DatabaseSession : public GuardedDatabase {
     });
   }
 
-  /// Runs `body(item)` for every item, under one lock and in one commit. An empty list is true at
-  /// once, without the lock.
+  /// Runs `body()` for a list as a whole, under one lock and in one commit. An empty list is true
+  /// at once, without the lock.
+  template <class List, class Body>
+  bool ForList(const List& items, Body&& body) {
+    return items.IsEmpty() || Guarded(false, body);
+  }
+  /// The same with `body(item)` for every item.
   template <class List, class Body>
   bool ForEach(const List& items, Body&& body) {
-    if (items.IsEmpty()) return true;
-    return Guarded(false, [&] {
+    return ForList(items, [&] {
       for (const auto& item : items) body(item);
       return true;
     });
