@@ -26,6 +26,7 @@
 #include "vdstomgr/records/photo_info.h"
 #include "vdstomgr/records/room_info.h"
 #include "vdstomgr/records/tag_info.h"
+#include "vdstomgr/records/trash_photo_info.h"
 #include "vdstomgr/storage/array_file.h"
 #include "vdstomgr/storage/array_index.h"
 #include "vdstomgr/storage/file_mapper.h"

@@ -16,5 +16,10 @@ template <std::size_t N>
 void CopyToFixed(char (&field)[N], std::string_view text) {
   CopyToFixed(field, N, text);
 }
+/// The same, but null leaves the field as it is.
+template <std::size_t N>
+void SetFixed(char (&field)[N], const char* text) {
+  if (text != nullptr) CopyToFixed(field, text);
+}
 
 }  // namespace vdstomgr

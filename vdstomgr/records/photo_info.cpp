@@ -25,7 +25,7 @@ void PHOTOINFO::SetLTBURL(const char* text) {
 }
 
 void PHOTOINFO::SetGUID(const char* guid) {
-  if (guid != nullptr) vdstomgr::CopyToFixed(szGUID, guid);
+  vdstomgr::SetFixed(szGUID, guid);
 }
 
 void PHOTOINFO::SetWidthHeight(int cx, int cy) {
