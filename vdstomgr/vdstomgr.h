@@ -24,6 +24,7 @@
 #include "vdstomgr/records/folder_maps.h"
 #include "vdstomgr/records/guid.h"
 #include "vdstomgr/records/photo_info.h"
+#include "vdstomgr/records/photo_sync_info.h"
 #include "vdstomgr/records/room_info.h"
 #include "vdstomgr/records/tag_info.h"
 #include "vdstomgr/records/trash_photo_info.h"
