@@ -231,12 +231,22 @@ TEST_F(FolderTest, TheCacheIsBuiltOncePerChange) {
                      catalogue_.DeleteFolderInfo(CDWordArray{2, 4});
                    }},
                   {"add", [&] { AddFolder(3, 0, "x"); }},
-                  {"set", [&] { catalogue_.SetFolderInfo(FOLDERINFO()); }}};
+                  {"set", [&] { catalogue_.SetFolderInfo(FOLDERINFO()); }},
+                  {"password", [&] { catalogue_.SetFolderPassword(2, 1, "p"); }},
+                  {"setter", [&] { catalogue_.SetFolderPassword(2, 1, "p", "s"); }},
+                  {"shared", [&] { catalogue_.SetSharedOption(2, 1); }},
+                  {"limits", [&] { catalogue_.SetFolderUpDownType(3, 2, 1, 0, 1); }},
+                  {"photo count", [&] { catalogue_.UpdatePhotoCountAtFolder(2); }},
+                  {"creator", [&] { catalogue_.SetCreatorSubIDInfo(2, "c", 1); }}};
   for (const auto& [what, change] : kChanges) {
     change();
     EXPECT_EQ(Changed(), 1) << what;
     EXPECT_EQ(Changed(), 0) << what;
   }
+  catalogue_.SetFolderUpDownType(3, 2, 1, 1, 1);  // as they are
+  catalogue_.SetFolderCache(2, true);
+  catalogue_.DelActiveFolder(2);
+  EXPECT_EQ(Changed(), 0);
 }
 
 TEST_F(FolderTest, FreeNamesStartAtZero) {

@@ -29,13 +29,10 @@ std::string Joined(const Values&... values) {
   return text.str();
 }
 
-/// The same with its values worked out one after the other: Answers{first call, second call}.
-struct Answers {
+/// The same for calls that change something: InOrder{a(), b()} evaluates them from left to right.
+struct InOrder : std::string {
   template <class... Values>
-  Answers(const Values&... values) : text(Joined(values...)) {}
-  operator std::string() const { return text; }
-
-  std::string text;
+  explicit InOrder(const Values&... values) : std::string(Joined(values...)) {}
 };
 
 /// The items of a list that an operation fills, joined by ','.
@@ -58,6 +55,16 @@ struct Operation {
 
 /// The call `catalogue.<expression>` with its answer as text.
 #define ANSWER_OF(expression) [](OpenCatalogue& catalogue) { return Joined(catalogue.expression); }
+
+/// A call that fills a list, with its answer and the list.
+template <class Owner, class List>
+auto ListedBy(int (Owner::*fill)(List&)) {
+  return [fill](OpenCatalogue& catalogue) {
+    List list;
+    const int answer = (catalogue.*fill)(list);
+    return Joined(answer, Listed(list));
+  };
+}
 
 class OperationTest : public CatalogueTest {
  protected:

@@ -18,7 +18,7 @@ const Rows kPhotos = {
 /// A setter for one photo, then for a list.
 #define SET_BOTH(setter, one, many)                                        \
   [](OpenCatalogue& catalogue) {                                           \
-    return Answers{catalogue.setter("a", one), catalogue.setter("n", one), \
+    return InOrder{catalogue.setter("a", one), catalogue.setter("n", one), \
                    catalogue.setter({"b", "none"}, many)};                 \
   }
 
@@ -27,7 +27,7 @@ TEST_F(OperationTest, PhotoAttributes) {
       {"rotation",
        kPhotos,
        [](OpenCatalogue& catalogue) {
-         return Answers{catalogue.SetRotate("b", 7), catalogue.SetRotate("none", 7)};
+         return InOrder{catalogue.SetRotate("b", 7), catalogue.SetRotate("none", 7)};
        },
        "1|0",
        MARKED("byteRotate"),
@@ -108,7 +108,7 @@ TEST_F(OperationTest, PhotoAttributes) {
       {"tags are marked",
        kPhotos,
        [](OpenCatalogue& catalogue) {
-         return Answers{catalogue.SetTagSyncFlag("a"), catalogue.SetTagSyncFlag("none"),
+         return InOrder{catalogue.SetTagSyncFlag("a"), catalogue.SetTagSyncFlag("none"),
                         catalogue.SetTagSyncFlag({"b", "none"})};
        },
        "1|0|1",
@@ -117,7 +117,7 @@ TEST_F(OperationTest, PhotoAttributes) {
       {"deleting",
        kPhotos,
        [](OpenCatalogue& catalogue) {
-         return Answers{catalogue.DeletePhoto("none"), catalogue.DeletePhoto("A"),
+         return InOrder{catalogue.DeletePhoto("none"), catalogue.DeletePhoto("A"),
                         catalogue.GetPhotoCount(), catalogue.DeletePhoto({"none", "b"})};
        },
        "1|1|1|1",
@@ -131,7 +131,7 @@ TEST_F(OperationTest, PhotoFlags) {
       {"a flag that is so already does not mark",
        kPhotos,
        [](OpenCatalogue& catalogue) {
-         return Answers{catalogue.SetFlag("a", 3, true), catalogue.SetFlag("b", 0, false)};
+         return InOrder{catalogue.SetFlag("a", 3, true), catalogue.SetFlag("b", 0, false)};
        },
        "1|1",
        MARKED("byteFlag"),
@@ -139,7 +139,7 @@ TEST_F(OperationTest, PhotoFlags) {
       {"set and cleared, the other flags stay",
        kPhotos,
        [](OpenCatalogue& catalogue) {
-         return Answers{catalogue.SetFlag("a", 7, false), catalogue.SetFlag("none", 7, true),
+         return InOrder{catalogue.SetFlag("a", 7, false), catalogue.SetFlag("none", 7, true),
                         catalogue.SetFlag({"none", "a", "b"}, 0, true)};
        },
        "1|0|1",
@@ -148,7 +148,7 @@ TEST_F(OperationTest, PhotoFlags) {
       {"flags are 0 to 7",
        kPhotos,
        [](OpenCatalogue& catalogue) {
-         return Answers{catalogue.SetFlag("a", 8, true), catalogue.SetFlag({"a"}, -1, false),
+         return InOrder{catalogue.SetFlag("a", 8, true), catalogue.SetFlag({"a"}, -1, false),
                         catalogue.GetFlag("a", 7),       catalogue.GetFlag("a", 6),
                         catalogue.GetFlag("a", 35),      catalogue.GetFlag("none", 7)};
        },

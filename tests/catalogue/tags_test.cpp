@@ -43,7 +43,7 @@ TEST_F(OperationTest, Tags) {
       {"neither a taken name nor a taken id is added, nor a name too long",
        kSeaAndHill,
        [](OpenCatalogue& catalogue) {
-         return Answers{catalogue.AddTagInfo("sea", 5), catalogue.AddTagInfo("x", 7),
+         return InOrder{catalogue.AddTagInfo("sea", 5), catalogue.AddTagInfo("x", 7),
                         catalogue.AddTagInfo(std::string(65, 'x').c_str(), 8),
                         catalogue.AddTagInfo("o'x", 9)};
        },
@@ -53,7 +53,7 @@ TEST_F(OperationTest, Tags) {
       {"a name is changed to a free one",
        kSeaAndHill,
        [](OpenCatalogue& catalogue) {
-         return Answers{catalogue.ChangeTagName(2, "it's"), catalogue.ChangeTagName(2, "SEA"),
+         return InOrder{catalogue.ChangeTagName(2, "it's"), catalogue.ChangeTagName(2, "SEA"),
                         catalogue.ChangeTagName(3, "new"), catalogue.ChangeTagName(7, "new")};
        },
        "0|0|0|1",
@@ -120,7 +120,7 @@ TEST_F(OperationTest, TagsOfPhotos) {
          catalogue.RemoveTagInfo(2);
          const bool link = catalogue.IsTagged("a", 2);
          catalogue.RemoveAllTagByTagID(2);
-         return Answers{catalogue.IsTag(2u), link, catalogue.IsTagged("a", 2)};
+         return InOrder{catalogue.IsTag(2u), link, catalogue.IsTagged("a", 2)};
        },
        "0|1|0",
        kMarked,
@@ -129,14 +129,14 @@ TEST_F(OperationTest, TagsOfPhotos) {
        [](OpenCatalogue& catalogue) {
          TagArray tags(std::vector<TAGINFO>(1));
          CStringArray photos{"first"};
-         return Answers{catalogue.GetTagLists("b", tags), tags[1].szTagName,
+         return InOrder{catalogue.GetTagLists("b", tags), tags[1].szTagName,
                         catalogue.GetPhotoListWithTag(1, photos), Listed(photos)};
        },
        "3|Sea|4|first,a,b,c"},
       {"what all photos carry and what some do", kTagged,
        [](OpenCatalogue& catalogue) {
          CDWordArray common{77}, partial;
-         return Answers{catalogue.GetTagLists({"a", "b"}, common, partial), Listed(common),
+         return InOrder{catalogue.GetTagLists({"a", "b"}, common, partial), Listed(common),
                         Listed(partial), catalogue.GetTagLists(CStringArray(), common, partial)};
        },
        "5|77,1,2|3,9|0"},

@@ -17,7 +17,8 @@
 ///   session.h             create, open, close; lock, clock, first rows
 ///   versions.h            versions of single tables
 ///   folders.h             the folder tree: reading, lists, sub-folders, paths, changing
-///   folder_attributes.h   shared, secure and limited folders
+///   folder_attributes.h   shared, secure and limited folders, their counts and times
+///   active_folders.h      the folders whose photos are kept
 ///   photos.h              whole photo records, and questions about photos
 ///   photo_attributes.h    single attributes of photos: titles, flags, rotation, days
 ///   tags.h                tags and the photos that carry them

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vdstomgr/catalogue/folder_attributes.h"
+#include "vdstomgr/catalogue/active_folders.h"
 #include "vdstomgr/platform/common/callback.h"
 #include "vdstomgr/records/count_in_folder.h"
 #include "vdstomgr/records/photo_info.h"
@@ -10,7 +10,7 @@ class CRkDaoRecordset;
 namespace vdstomgr::catalogue {
 
 /// Photos as whole records, and the questions that are asked of them.
-class VDSTO_API Photos : public FolderAttributes {
+class VDSTO_API Photos : public ActiveFolders {
  public:
   /// ---- Whole records ----
 
