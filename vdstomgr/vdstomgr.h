@@ -23,6 +23,7 @@
 #include "vdstomgr/records/folder_info.h"
 #include "vdstomgr/records/folder_maps.h"
 #include "vdstomgr/records/guid.h"
+#include "vdstomgr/records/notify_info.h"
 #include "vdstomgr/records/photo_info.h"
 #include "vdstomgr/records/photo_sync_info.h"
 #include "vdstomgr/records/room_info.h"

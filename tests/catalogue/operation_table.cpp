@@ -35,6 +35,13 @@ constexpr const char* kTables[] = {"Config_ActiveFolder",
 
 }  // namespace
 
+std::vector<std::string> RowsOf(const std::string& rows) {
+  std::vector<std::string> list;
+  std::istringstream text(rows);
+  for (std::string row; std::getline(text, row, ',');) list.push_back(row);
+  return list;
+}
+
 void OperationTest::Check(const std::vector<Operation>& operations) {
   for (const Operation& operation : operations) {
     SCOPED_TRACE(operation.what);

@@ -43,6 +43,9 @@ std::string Listed(const List& list) {
   return text;
 }
 
+/// The rows of a query: "1|a,2|b" are two.
+std::vector<std::string> RowsOf(const std::string& rows);
+
 /// One operation on a catalogue whose tables are empty but for `before`.
 struct Operation {
   const char* what;

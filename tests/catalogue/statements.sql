@@ -61,6 +61,8 @@
 0 SELECT * FROM NotifyTrash_List WHERE szGUID = '' OR szGUID = 'g1'
 0 SELECT * FROM NotifyTrash_List
 0 DELETE FROM NotifyTrash_List
+0 INSERT INTO NotifyTag_List (dwTagID, byteType) values (-1, 255)
+0 SELECT * FROM NotifyTag_List WHERE dwTagID = -1 OR (dwTagID = 1)
 0 DELETE FROM PhotoMaster WHERE szGUID = 'g1'
 0 SELECT * FROM PhotoMaster WHERE szGUID = 'g1'
 0 SELECT dwFolderID FROM PhotoMaster WHERE szGUID = 'g1'
