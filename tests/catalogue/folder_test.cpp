@@ -247,6 +247,10 @@ TEST_F(FolderTest, TheCacheIsBuiltOncePerChange) {
   catalogue_.SetFolderCache(2, true);
   catalogue_.DelActiveFolder(2);
   EXPECT_EQ(Changed(), 0);
+  catalogue_.ResetFolder();
+  EXPECT_EQ(Changed(), 1);
+  catalogue_.ResetAllPhotoInfo_ForHistoryManager();
+  EXPECT_EQ(Changed(), 1);
 }
 
 TEST_F(FolderTest, FreeNamesStartAtZero) {
