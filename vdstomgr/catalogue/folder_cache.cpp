@@ -1,12 +1,23 @@
+#include <span>
 #include <unordered_set>
 #include <vector>
 
 #include "vdstomgr/catalogue/folder_steps.h"
 #include "vdstomgr/catalogue/folders.h"
 #include "vdstomgr/platform/report/report.h"
-#include "vdstomgr/tables/sub_folder_walk.h"
+#include "vdstomgr/tables/tree_walk.h"
 
 namespace vdstomgr::catalogue {
+
+namespace {
+
+std::span<const FOLDERINFO> ChildrenIn(const SubFolderMap& map, DWORD parent) {
+  const FolderArray* const* children = map.Find(parent);
+  if (children == nullptr || *children == nullptr) return {};
+  return {(*children)->begin(), (*children)->end()};
+}
+
+}  // namespace
 
 Folders::~Folders() {
   DeleteSubFolders(m_mapSubFolderDef);
@@ -32,7 +43,7 @@ int Folders::GetSubFolderInfoForTree(SubFolderMap& map) {
 int Folders::GetSubFolder(DWORD parent, FolderArray& folders, bool recursive, SubFolderMap* cache) {
   m_db->Guarded([&] {
     const SubFolderMap& map = cache != nullptr ? *cache : *GetSubFolderInfoCashForTree();
-    WalkSubFolders(
+    WalkTree(
         parent, recursive, [&](DWORD id) { return ChildrenIn(map, id); },
         [&](const FOLDERINFO& child) {
           folders.Add(child);
@@ -45,7 +56,7 @@ int Folders::GetSubFolder(DWORD parent, FolderArray& folders, bool recursive, Su
 int Folders::GetSubFolder(DWORD parent, CDWordArray& ids, bool recursive) {
   m_db->Guarded([&] {
     const SubFolderMap& map = *GetSubFolderInfoCashForTree();
-    WalkSubFolders(
+    WalkTree(
         parent, recursive, [&](DWORD id) { return ChildrenIn(map, id); },
         [&](const FOLDERINFO& child) {
           ids.Add(child.dwFolderID);
@@ -63,7 +74,7 @@ int Folders::GetSubFolder2(DWORD parent, CDWordArray& ids, bool recursive) {
                  children);
       return children;
     };
-    WalkSubFolders(parent, recursive, children_of, [&](DWORD child) {
+    WalkTree(parent, recursive, children_of, [&](DWORD child) {
       ids.Add(child);
       return child;
     });

@@ -5,7 +5,7 @@
 
 #include "vdstomgr/records/fixed_text.h"
 #include "vdstomgr/tables/folder_columns.h"
-#include "vdstomgr/tables/sub_folder_walk.h"
+#include "vdstomgr/tables/tree_walk.h"
 
 namespace vdstomgr {
 
@@ -85,7 +85,7 @@ void FolderTable::AppendSubFolders(DWORD parent, FolderArray& folders, VisitedFo
     }
     return children;
   };
-  WalkSubFolders(parent, recursive, children_of, [&](const FOLDERINFO& child) {
+  WalkTree(parent, recursive, children_of, [&](const FOLDERINFO& child) {
     folders.Add(child);
     return child.dwFolderID;
   });

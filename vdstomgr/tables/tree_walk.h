@@ -2,26 +2,18 @@
 
 #include <cstddef>
 #include <ranges>
-#include <span>
 #include <unordered_set>
 #include <vector>
 
-#include "vdstomgr/records/folder_maps.h"
+#include "vdstomgr/platform/framework/types.h"
 
 namespace vdstomgr {
 
-/// The children of a folder in a map of sub-folders.
-inline std::span<const FOLDERINFO> ChildrenIn(const SubFolderMap& map, DWORD parent) {
-  const FolderArray* const* children = map.Find(parent);
-  if (children == nullptr || *children == nullptr) return {};
-  return {(*children)->begin(), (*children)->end()};
-}
-
-/// Goes through what is below `start`: each child, followed by its own children when `recursive`.
-/// `children_of(id)` answers the children in order, `visit(child)` the id to go on below. A folder
-/// is gone into once, so that a circle of parents ends the walk.
+/// Goes through what is below `start` in a tree of folders or albums: each child, followed by its
+/// own children when `recursive`. `children_of(id)` answers the children in order, `visit(child)`
+/// the id to go on below. Nothing is gone into twice, so that a circle of parents ends the walk.
 template <class ChildrenOf, class Visit>
-void WalkSubFolders(DWORD start, bool recursive, ChildrenOf children_of, Visit visit) {
+void WalkTree(DWORD start, bool recursive, ChildrenOf children_of, Visit visit) {
   struct Level {
     decltype(children_of(start)) children;
     std::ptrdiff_t next = 0;
