@@ -18,6 +18,7 @@
 #include "vdstomgr/platform/utility/bin_data.h"
 #include "vdstomgr/platform/utility/file_ex.h"
 #include "vdstomgr/platform/utility/utility_lib.h"
+#include "vdstomgr/records/album_info.h"
 #include "vdstomgr/records/count_in_folder.h"
 #include "vdstomgr/records/folder_ids.h"
 #include "vdstomgr/records/folder_info.h"

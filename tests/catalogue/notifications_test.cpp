@@ -51,7 +51,7 @@ TEST_F(OperationTest, Notifications) {
           },
           "4294967295|255|3|1|",
           "SELECT * FROM NotifyTag_List ORDER BY dwTagID",
-          RowsOf("-1|255,3|1")}});
+          Split("-1|255,3|1", ",")}});
 }
 
 TEST_F(OperationTest, TrashNotifications) {
@@ -69,14 +69,14 @@ TEST_F(OperationTest, TrashNotifications) {
             catalogue.AddNotifyTrash_List("b", 6);
             return marks_of(catalogue);
           },
-          "1|z|9,a|5,b|6", rows, RowsOf("a|5,b|6")},
+          "1|z|9,a|5,b|6", rows, Split("a|5,b|6", ",")},
          {"null is everything", before,
           [&](OpenCatalogue& catalogue) {
             for (int i = 0; i < 2; ++i) catalogue.AddNotifyTrash_List(nullptr, 4);
             catalogue.AddNotifyTrash_List("b", 4);
             return marks_of(catalogue);
           },
-          "1||255", rows, RowsOf("|255")},
+          "1||255", rows, Split("|255", ",")},
          {"an empty GUID covers with its own type", before,
           [&](OpenCatalogue& catalogue) {
             catalogue.ResetNotifyTrash_List();
@@ -84,7 +84,7 @@ TEST_F(OperationTest, TrashNotifications) {
             catalogue.AddNotifyTrash_List("b", 1);
             return marks_of(catalogue);
           },
-          "1||4", rows, RowsOf("|4")}});
+          "1||4", rows, Split("|4", ",")}});
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <functional>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "catalogue_test.h"
@@ -29,10 +30,10 @@ std::string Joined(const Values&... values) {
   return text.str();
 }
 
-/// The same for calls that change something: InOrder{a(), b()} evaluates them from left to right.
-struct InOrder : std::string {
+/// The same for calls that change something: Answers{a(), b()} evaluates them from left to right.
+struct Answers : std::string {
   template <class... Values>
-  explicit InOrder(const Values&... values) : std::string(Joined(values...)) {}
+  explicit Answers(const Values&... values) : std::string(Joined(values...)) {}
 };
 
 /// The items of a list that an operation fills, joined by ','.
@@ -43,8 +44,8 @@ std::string Listed(const List& list) {
   return text;
 }
 
-/// The rows of a query: "1|a,2|b" are two.
-std::vector<std::string> RowsOf(const std::string& rows);
+/// The rows of a table in one text: "1|Sea / 2|Air".
+std::vector<std::string> Split(std::string_view rows, std::string_view separator = " / ");
 
 /// One operation on a catalogue whose tables are empty but for `before`.
 struct Operation {
@@ -58,6 +59,8 @@ struct Operation {
 
 /// The call `catalogue.<expression>` with its answer as text.
 #define ANSWER_OF(expression) [](OpenCatalogue& catalogue) { return Joined(catalogue.expression); }
+/// Several in their order, on the catalogue `c`: ANSWERS(c.GetNewTagID(), c.IsTag(1u)).
+#define ANSWERS(...) [](OpenCatalogue& c) { return Answers{__VA_ARGS__}; }
 
 /// A call that fills a list, with its answer and the list.
 template <class Owner, class List>

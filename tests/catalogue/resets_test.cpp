@@ -113,14 +113,14 @@ TEST_F(OperationTest, PhotosOfAMissingFolder) {
   const char* const b = "INSERT INTO PhotoMaster (szGUID, dwFolderID) values ('b', 2)";
   const char* const c = "INSERT INTO PhotoMaster (szGUID, dwFolderID) values ('c', 2)";
   const char* const d = "INSERT INTO PhotoMaster (szGUID, dwFolderID) values ('d', 3)";
-  Check({{"none is missing", {here, a}, ANSWER_OF(ReviseLogicalError()), "1", photos, RowsOf("a")},
-         {"one is", {here, a, b, c}, ANSWER_OF(ReviseLogicalError()), "1", photos, RowsOf("a")},
+  Check({{"none is missing", {here, a}, ANSWER_OF(ReviseLogicalError()), "1", photos, Split("a", ",")},
+         {"one is", {here, a, b, c}, ANSWER_OF(ReviseLogicalError()), "1", photos, Split("a", ",")},
          {"two are",
           {here, a, b, d},
           ANSWER_OF(ReviseLogicalError()),
           "0",
           photos,
-          RowsOf("a,b,d")}});
+          Split("a,b,d", ",")}});
   EXPECT_EQ(TakeReports(), Reports{3354});
 }
 

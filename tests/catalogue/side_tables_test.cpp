@@ -10,7 +10,7 @@ namespace {
          "INSERT INTO Photo" #kind " (szGUID) values ('b')",                                   \
          "INSERT INTO Photo" #kind " (szGUID, szPathName) values ('c', 'r')"},                 \
         [](OpenCatalogue& catalogue) {                                                         \
-          return InOrder{catalogue.Is##kind("a"),          catalogue.Is##kind("b"),            \
+          return Answers{catalogue.Is##kind("a"),          catalogue.Is##kind("b"),            \
                          catalogue.Is##kind("x"),          catalogue.Get##kind("a"),           \
                          catalogue.Get##kind("x"),         catalogue.Add##kind("a", "q"),      \
                          catalogue.Add##kind("d", "it's"), catalogue.Set##kind("b", "it's 2"), \
@@ -26,7 +26,7 @@ namespace {
     table, {"INSERT INTO " table " (szName) values ('b')"},                     \
         [](OpenCatalogue& catalogue) {                                          \
           CStringArray names{"first"};                                          \
-          return InOrder{catalogue.Add##kind("it's"), catalogue.Add##kind("B"), \
+          return Answers{catalogue.Add##kind("it's"), catalogue.Add##kind("B"), \
                          catalogue.Get##kind(names), Listed(names)};            \
         },                                                                      \
         "1|0|2|first,b,it's", "SELECT * FROM " table " ORDER BY szName", {      \

@@ -3,151 +3,91 @@
 namespace vdstomgr {
 namespace {
 
-using Rows = std::vector<const char*>;
-
-const Rows kSeaAndHill = {"INSERT INTO TagInfo (dwTagID, szTagName) values (2, 'Sea')",
-                          "INSERT INTO TagInfo (dwTagID, szTagName) values (7, 'it''s')"};
+#define TAG(id, name) "INSERT INTO TagInfo (dwTagID, szTagName) values (" #id ", '" name "')"
+#define PHOTO(guid) "INSERT INTO PhotoMaster (szGUID, byteTagSync) values ('" guid "', 0)"
+#define LINK(guid, id) "INSERT INTO PhotoTag (szGUID, dwTagID) values ('" guid "', " #id ")"
 
 /// a: Sea, it's, Air and a tag that is gone; b: Sea, it's; c: Sea.
-const Rows kTagged = {"INSERT INTO TagInfo (dwTagID, szTagName) values (1, 'Sea')",
-                      "INSERT INTO TagInfo (dwTagID, szTagName) values (2, 'it''s')",
-                      "INSERT INTO TagInfo (dwTagID, szTagName) values (3, 'Air')",
-                      "INSERT INTO TagInfo (dwTagID, szTagName) values (4, 'unused')",
-                      "INSERT INTO PhotoMaster (szGUID, byteTagSync) values ('a', 0)",
-                      "INSERT INTO PhotoMaster (szGUID, byteTagSync) values ('b', 0)",
-                      "INSERT INTO PhotoMaster (szGUID, byteTagSync) values ('c', 0)",
-                      "INSERT INTO PhotoTag (szGUID, dwTagID) values ('a', 1)",
-                      "INSERT INTO PhotoTag (szGUID, dwTagID) values ('b', 1)",
-                      "INSERT INTO PhotoTag (szGUID, dwTagID) values ('c', 1)",
-                      "INSERT INTO PhotoTag (szGUID, dwTagID) values ('a', 2)",
-                      "INSERT INTO PhotoTag (szGUID, dwTagID) values ('b', 2)",
-                      "INSERT INTO PhotoTag (szGUID, dwTagID) values ('a', 3)",
-                      "INSERT INTO PhotoTag (szGUID, dwTagID) values ('a', 9)"};
+const std::vector<const char*> kTagged = {
+    TAG(1, "Sea"), TAG(2, "it''s"), TAG(3, "Air"), TAG(4, "unused"), PHOTO("a"),
+    PHOTO("b"),    PHOTO("c"),      LINK("a", 1),  LINK("b", 1),     LINK("c", 1),
+    LINK("a", 2),  LINK("b", 2),    LINK("a", 3),  LINK("a", 9)};
 
 const char* const kTags = "SELECT * FROM TagInfo ORDER BY dwTagID";
-/// What the photos carry of tag 2, and who is marked.
-const char* const kLinksOf2 = "SELECT szGUID FROM PhotoTag WHERE dwTagID = 2 ORDER BY szGUID";
+const char* const kWith2 = "SELECT szGUID FROM PhotoTag WHERE dwTagID = 2 ORDER BY szGUID";
 const char* const kMarked = "SELECT szGUID FROM PhotoMaster WHERE byteTagSync = 1 ORDER BY szGUID";
 
+std::string NamesOfAll(OpenCatalogue& c) {
+  TagArray tags;
+  TagCountArray counts;
+  std::string all = Answers{c.GetTagList(tags), c.GetTagListAndCount(counts)};
+  for (const TAGINFO& tag : tags) all += " " + Joined(tag.dwTagID, tag.szTagName);
+  for (const TAGINFOCOUNT& tag : counts)
+    all += " " + Joined(tag.dwTagID, tag.szTagName, tag.nCount);
+  return all;
+}
+
+std::string ListsOfPhotos(OpenCatalogue& c) {
+  TagArray tags(std::vector<TAGINFO>(1));
+  CStringArray photos{"first"};
+  CDWordArray common{77}, partial;
+  return Answers{c.GetTagLists("b", tags),
+                 tags[1].szTagName,
+                 c.GetPhotoListWithTag(1, photos),
+                 Listed(photos),
+                 c.GetTagLists({"a", "b"}, common, partial),
+                 Listed(common),
+                 Listed(partial)};
+}
+
 TEST_F(OperationTest, Tags) {
+  const std::string too_long(65, 'x');
   Check({
-      {"a tag is known by its name, case disregarded", kSeaAndHill,
-       [](OpenCatalogue& catalogue) {
-         return Joined(catalogue.IsTag("IT'S"), catalogue.IsTag("it"), catalogue.IsTag(7u),
-                       catalogue.IsTag(8u), catalogue.GetTagID("sea"), catalogue.GetTagID("none"),
-                       catalogue.GetTagName(2), catalogue.GetTagName(3));
-       },
-       "1|0|1|0|2|4294967295|Sea|"},
       {"the first id", {}, ANSWER_OF(GetNewTagID()), "1"},
-      {"ids below the highest stay unused", kSeaAndHill, ANSWER_OF(GetNewTagID()), "8"},
-      {"neither a taken name nor a taken id is added, nor a name too long",
-       kSeaAndHill,
-       [](OpenCatalogue& catalogue) {
-         return InOrder{catalogue.AddTagInfo("sea", 5), catalogue.AddTagInfo("x", 7),
-                        catalogue.AddTagInfo(std::string(65, 'x').c_str(), 8),
-                        catalogue.AddTagInfo("o'x", 9)};
+      {"an added tag has a new name and a new id", kTagged,
+       [&](OpenCatalogue& c) {
+         return Answers{c.GetNewTagID(),        c.AddTagInfo("sea", 6),
+                        c.AddTagInfo("x", 1),   c.AddTagInfo(too_long.c_str(), 7),
+                        c.AddTagInfo("o'x", 8), c.GetNewTagID()};
        },
-       "0|0|0|1",
-       kTags,
-       {"2|Sea", "7|it's", "9|o'x"}},
-      {"a name is changed to a free one",
-       kSeaAndHill,
-       [](OpenCatalogue& catalogue) {
-         return InOrder{catalogue.ChangeTagName(2, "it's"), catalogue.ChangeTagName(2, "SEA"),
-                        catalogue.ChangeTagName(3, "new"), catalogue.ChangeTagName(7, "new")};
-       },
-       "0|0|0|1",
-       kTags,
-       {"2|Sea", "7|new"}},
-      {"lists are by name and count photos", kTagged,
-       [](OpenCatalogue& catalogue) {
-         TagArray tags;
-         TagCountArray counts;
-         std::string all = Joined(catalogue.GetTagList(tags), catalogue.GetTagListAndCount(counts));
-         for (const TAGINFO& tag : tags) all += " " + Joined(tag.dwTagID, tag.szTagName);
-         for (const TAGINFOCOUNT& tag : counts)
-           all += " " + Joined(tag.dwTagID, tag.szTagName, tag.nCount);
-         return all;
-       },
+       "5|0|0|0|1|9", kTags, Split("1|Sea / 2|it's / 3|Air / 4|unused / 8|o'x")},
+      {"a changed name is one that no tag has, itself included", kTagged,
+       ANSWERS(c.ChangeTagName(2, "sea"), c.ChangeTagName(1, "SEA"), c.ChangeTagName(9, "new"),
+               c.ChangeTagName(4, "new")),
+       "0|0|0|1", kTags, Split("1|Sea / 2|it's / 3|Air / 4|new")},
+      {"lists are by name", kTagged, NamesOfAll,
        "4|3 3|Air 2|it's 1|Sea 4|unused 3|Air|1 2|it's|2 1|Sea|3"},
-      {"names of ids, in their order", kTagged, ANSWER_OF(GetTagNamesByTagIDs({1, 8, 3, 1})),
-       "Sea,Air,Sea"},
+      {"tags are known by name, case disregarded, and by id", kTagged,
+       ANSWERS(c.IsTag("IT'S"), c.IsTag("it"), c.IsTag(3u), c.IsTag(8u), c.GetTagID("sea"),
+               c.GetTagID("none"), c.GetTagName(2), c.GetTagName(8),
+               c.GetTagNamesByTagIDs({1, 8, 3, 1})),
+       "1|0|1|0|1|4294967295|it's||Sea,Air,Sea"},
   });
 }
 
 TEST_F(OperationTest, TagsOfPhotos) {
   Check({
-      {"a tag is added where it is missing, and all are marked",
-       kTagged,
-       ANSWER_OF(AddTag({"c", "a", "none"}, 2, true)),
-       "1",
-       kLinksOf2,
-       {"a", "b", "c", "none"}},
-      {"those that carried it too",
-       kTagged,
-       ANSWER_OF(AddTag({"c", "a"}, 2, true)),
-       "1",
-       kMarked,
-       {"a", "c"}},
-      {"unless it is not to be sent", kTagged, ANSWER_OF(AddTag("c", 2, false)), "1", kMarked, {}},
-      {"a list goes on behind a GUID that cannot be written",
-       kTagged,
-       ANSWER_OF(AddTag({"it's", "c"}, 2, false)),
-       "1",
-       kLinksOf2,
-       {"a", "b", "c"}},
-      {"a tag is taken off", kTagged, ANSWER_OF(RemoveTag({"a", "c"}, 2)), "1", kLinksOf2, {"b"}},
-      {"which marks also who did not carry it",
-       kTagged,
-       ANSWER_OF(RemoveTag("c", 2)),
-       "1",
-       kMarked,
-       {"c"}},
-      {"all tags of photos",
-       kTagged,
-       [](OpenCatalogue& catalogue) {
-         catalogue.RemoveAllTagByGUID("b", true);
-         catalogue.RemoveAllTagByGUID(CStringArray{"a", "none"}, false);
-         return Joined(catalogue.IsTagged("a", 1), catalogue.IsTagged("b", 1),
-                       catalogue.IsTagged("c", 1), catalogue.IsTagged("c", 2));
-       },
-       "0|0|1|0",
-       kMarked,
-       {"b"}},
-      {"a tag and its links go one at a time",
-       kTagged,
-       [](OpenCatalogue& catalogue) {
-         catalogue.RemoveTagInfo(2);
-         const bool link = catalogue.IsTagged("a", 2);
-         catalogue.RemoveAllTagByTagID(2);
-         return InOrder{catalogue.IsTag(2u), link, catalogue.IsTagged("a", 2)};
-       },
-       "0|1|0",
-       kMarked,
-       {}},
-      {"tags and photos are appended", kTagged,
-       [](OpenCatalogue& catalogue) {
-         TagArray tags(std::vector<TAGINFO>(1));
-         CStringArray photos{"first"};
-         return InOrder{catalogue.GetTagLists("b", tags), tags[1].szTagName,
-                        catalogue.GetPhotoListWithTag(1, photos), Listed(photos)};
-       },
-       "3|Sea|4|first,a,b,c"},
-      {"what all photos carry and what some do", kTagged,
-       [](OpenCatalogue& catalogue) {
-         CDWordArray common{77}, partial;
-         return InOrder{catalogue.GetTagLists({"a", "b"}, common, partial), Listed(common),
-                        Listed(partial), catalogue.GetTagLists(CStringArray(), common, partial)};
-       },
-       "5|77,1,2|3,9|0"},
+      {"a tag is added where it is missing, behind a GUID that cannot be written too", kTagged,
+       ANSWERS(c.AddTag({"it's", "c", "a", "none"}, 2, false)), "1", kWith2,
+       Split("a / b / c / none")},
+      {"those that carried it are marked too", kTagged,
+       ANSWERS(c.AddTag({"c", "a"}, 2, true), c.AddTag("b", 3, false)), "1|1", kMarked,
+       Split("a / c")},
+      {"a tag is taken off", kTagged, ANSWER_OF(RemoveTag({"a", "c"}, 2)), "1", kWith2, Split("b")},
+      {"which marks also who did not carry it", kTagged, ANSWER_OF(RemoveTag("c", 2)), "1", kMarked,
+       Split("c")},
+      {"all tags go, and a tag's links without its definition", kTagged,
+       ANSWERS((c.RemoveAllTagByGUID("b", true), c.IsTagged("b", 1)),
+               (c.RemoveAllTagByGUID({"c", "none"}, false), c.IsTagged("c", 1)),
+               (c.RemoveTagInfo(2), c.IsTagged("a", 2)),
+               (c.RemoveAllTagByTagID(2), c.IsTagged("a", 2)), c.IsTagged("a", 1)),
+       "0|0|1|0|1", kMarked, Split("b")},
+      {"lists are appended to, and tell what all photos carry from what some do", kTagged,
+       ListsOfPhotos, "3|Sea|4|first,a,b,c|5|77,1,2|3,9"},
       {"names by name, but one", kTagged,
-       [](OpenCatalogue& catalogue) {
-         return Joined(catalogue.GetTagNames("a", 2), catalogue.GetTagNames({"a", "b"}, 0),
-                       catalogue.GetTagNames({"a", "b", "c"}, 9),
-                       catalogue.GetTagNames({"a", "b"}, 1),
-                       catalogue.GetTagNames(CStringArray(), 0));
-       },
-       "Air,Sea|it's,Sea|Sea|it's|"},
+       ANSWERS(c.GetTagNames("a", 2), c.GetTagNames({"a", "b"}, 0),
+               c.GetTagNames({"a", "b", "c"}, 9), c.GetTagNames({"a", "b"}, 1)),
+       "Air,Sea|it's,Sea|Sea|it's"},
   });
   EXPECT_EQ(TakeReports().size(), 1u) << "of the GUID with a quote";
 }
