@@ -4,7 +4,8 @@
 # Without arguments: 20000x4096 20000x20480 1000000x4096. The last needs up to 13 GB of disk for one
 # subject at a time and takes long; `bench/run-storage.sh 20000x4096 20000x20480` leaves it out.
 # A virtual machine that gives free memory back to its host (page reporting) makes whoever writes first
-# pay for getting it again, up to ten times the time of a put: turn that off before measuring.
+# pay for getting it again, up to ten times the time of a put. Memory is therefore taken and freed before
+# each thing that is timed, and the subjects take turns in being the first.
 # The files lie in $VDSTO_BENCH_FOLDER (default build/bench-storage).
 set -euo pipefail
 cd "$(dirname "$0")/.."

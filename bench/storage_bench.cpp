@@ -1,6 +1,8 @@
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <set>
 #include <string_view>
 #include <system_error>
@@ -62,14 +64,17 @@ bool Parse(int count, char** texts, Arguments& arguments) {
 }
 
 /// One subject after the other, in turns, so that a disturbance of the machine does not hit one of
-/// them alone; each begins without files of another.
+/// them alone; each turn begins with another subject, and each subject without files of another.
 void RunStores(const Arguments& arguments) {
+  std::vector<Subject> subjects;
+  std::copy_if(std::begin(kSubjects), std::end(kSubjects), std::back_inserter(subjects),
+               [&](const Subject& subject) { return arguments.Wants(subject); });
   for (const Workload& workload : arguments.workloads) {
     StorageTable table(workload);
     const int repetitions = workload.records < kManyRecords ? kRepetitions : 1;
     for (int repetition = 0; repetition < repetitions; ++repetition) {
-      for (const Subject& subject : kSubjects) {
-        if (!arguments.Wants(subject)) continue;
+      for (std::size_t i = 0; i < subjects.size(); ++i) {
+        const Subject& subject = subjects[(i + std::size_t(repetition)) % subjects.size()];
         table.Add(subject.name, Measure(workload, subject, arguments.folder / "store"));
       }
     }
