@@ -3,9 +3,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
 #include <fstream>
 #include <functional>
+#include <thread>
 
 #include "catalogue_test.h"
 
@@ -48,7 +50,7 @@ TEST_F(SessionTest, ASecondOpenIsRefusedAndChangesNothing) {
   EXPECT_EQ(catalogue_.GetFolderCount(), 6);
 }
 
-TEST_F(SessionTest, TheFirstTwentyBytesOfAPasswordCount) {
+TEST_F(SessionTest, TheFirstTwentyPlacesOfAPasswordCount) {
   const std::string path = Path("p.db");
   const std::string first20(kPassword25, 20);
   const struct {
@@ -72,6 +74,59 @@ TEST_F(SessionTest, TheFirstTwentyBytesOfAPasswordCount) {
   OpenCatalogue wide;  // the 20th and 21st byte are one character, which is left out whole
   ASSERT_TRUE(wide.CreateDB(path.c_str(), "abcdefghijklmnopqrs\xB0\xA1"));
   EXPECT_TRUE(wide.OpenDB(path.c_str(), "abcdefghijklmnopqrs"));
+}
+
+TEST_F(SessionTest, APasswordIsTheSameTextUnderBothCodePages) {
+  const std::string korean = "가나다라마바사아자차";  // ten syllables, twenty places
+  const struct {
+    std::string password;
+    bool opens;
+  } kCases[] = {{korean, true},
+                {korean + "카", true},
+                {korean + "!", true},
+                {korean.substr(0, 27), false},
+                {"a" + korean, false}};
+  const auto in = [](TextCodePage code_page, const std::string& utf8) {
+    SetTextCodePage(code_page);
+    return code_page == TextCodePage::utf8 ? utf8 : FromUtf8(utf8);
+  };
+  for (const TextCodePage made : {TextCodePage::korean949, TextCodePage::utf8}) {
+    OpenCatalogue catalogue;
+    const std::string path = Path("k.db");
+    ASSERT_TRUE(catalogue.CreateDB(path.c_str(), in(made, korean).c_str()));
+    for (const TextCodePage opened : {TextCodePage::korean949, TextCodePage::utf8})
+      for (const auto& c : kCases) {
+        EXPECT_EQ(catalogue.OpenDB(path.c_str(), in(opened, c.password).c_str()), c.opens)
+            << c.password;
+        catalogue.CloseDB();
+        EXPECT_EQ(TakeReports(), c.opens ? Reports() : Reports{3031}) << c.password;
+      }
+  }
+}
+
+TEST_F(SessionTest, APasswordThatWasOnceCutInBytesStillOpensItsFile) {
+  SetTextCodePage(TextCodePage::utf8);
+  const std::string password = "가나다라마바사아";
+  {
+    CRkDaoDatabase database;  // as such files were made: the first 20 bytes, six syllables
+    database.Create(Path("old.db").c_str());
+    database.NewPassword("", password.substr(0, 18).c_str());
+    database.ExecuteOrThrow("CREATE TABLE FolderInfo (dwFolderID INTEGER, szFolderName MEMO)");
+  }
+  OpenCatalogue catalogue;
+  EXPECT_TRUE(catalogue.OpenDB(Path("old.db").c_str(), password.c_str()));
+}
+
+TEST_F(SessionTest, ASecondOpenDoesNotWaitForTheLock) {
+  std::atomic<bool> answered = false;
+  const ScopedLock held(*catalogue_.GetDAOCriticalSection());
+  std::jthread second([&] {
+    EXPECT_FALSE(catalogue_.OpenDB(Path("other.db").c_str(), ""));
+    answered = true;
+  });
+  for (int i = 0; i < 1000 && !answered; ++i) usleep(10'000);
+  EXPECT_TRUE(answered);
+  if (!answered) second.detach();
 }
 
 TEST_F(SessionTest, EachFailureToOpenIsReportedOnceUnderItsNumber) {

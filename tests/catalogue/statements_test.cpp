@@ -29,7 +29,7 @@ class StatementsTest : public CatalogueTest {
 };
 
 TEST_F(StatementsTest, EveryStatementIsAnsweredAsTheTableSays) {
-  std::ifstream table(std::filesystem::path(__FILE__).replace_filename("statements.sql"));
+  std::ifstream table(VDSTO_TESTS_FOLDER "/catalogue/statements.sql");
   int statements = 0;
   for (std::string line; std::getline(table, line);) {
     const std::size_t blank = line.find(' ');

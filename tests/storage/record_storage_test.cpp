@@ -241,7 +241,7 @@ TEST_F(Records, AreWhatAReaderWrittenFromThePageFinds) {
       expected += Hex((key + std::string(12, '\0')).substr(0, 12)) + " " + Hex(data) + "\n";
     }
   }
-  const auto script = std::filesystem::path(__FILE__).parent_path() / "read_storage.py";
+  const auto script = std::filesystem::path(VDSTO_TESTS_FOLDER) / "storage/read_storage.py";
   FILE* const reader = popen(("python3 " + script.string() + " " + path_).c_str(), "r");
   std::string output;
   for (int c = fgetc(reader); c != EOF; c = fgetc(reader)) output += static_cast<char>(c);
