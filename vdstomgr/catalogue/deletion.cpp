@@ -7,6 +7,20 @@
 
 namespace vdstomgr::catalogue {
 
+namespace {
+
+/// Runs `body(item)` for every item and tells how far it is after each.
+template <class List, class Body>
+void ForEachTold(const List& items, const CRkCallback& progress, Body body) {
+  DWORD done = 0;
+  for (const auto& item : items) {
+    body(item);
+    progress.SetProgress(done++, static_cast<DWORD>(items.GetSize()), nullptr, false);
+  }
+}
+
+}  // namespace
+
 bool Deletion::DeleteFolder(DWORD id) {
   return IsReservedFolder(id) || DeleteFoldersAndRelations(CDWordArray{id}, true, nullptr);
 }
@@ -18,15 +32,29 @@ bool Deletion::DeleteFoldersAndRelations(const CDWordArray& ids, bool delete_fol
   const StaleAtExit change(m_csDAO, m_bFolderChanged);
   return m_db->Guarded(false, [&] {
     const CWQTPParser parser("quillora", "TqUploadMgr", "remove");
-    const auto count = static_cast<DWORD>(ids.GetSize());
-    for (DWORD i = 0; i < count; ++i) {
-      const DWORD id = ids[static_cast<int>(i)];
+    ForEachTold(ids, progress, [&](DWORD id) {
       m_db->Run("DELETE FROM PhotoMaster WHERE dwFolderID = %d", id);
       if (delete_folders) m_db->Run("DELETE FROM FolderInfo WHERE dwFolderID = %d", id);
-      progress.SetProgress(i, count, nullptr, false);
-    }
+    });
     return true;
   });
+}
+
+bool Deletion::DeletePhotosAndRelations(const CStringArray& guids, CRkCallback progress) {
+  return m_db->Guarded(false, [&] {
+    ForEachTold(guids, progress, [&](const CString& guid) {
+      RemoveAllTagByGUID(guid, true);
+      RemoveAllAlbumByGUID(guid);
+      DelRP(guid);
+      DelOP(guid);
+      m_db->Run("DELETE FROM PhotoMaster WHERE szGUID = '%s'", Raw(guid));
+    });
+    return true;
+  });
+}
+
+bool Deletion::DeletePhotosAndRelations(const char* guid, CRkCallback progress) {
+  return DeletePhotosAndRelations(CStringArray{guid}, progress);
 }
 
 }  // namespace vdstomgr::catalogue
