@@ -1,8 +1,5 @@
 #if !defined(_WIN32)
 #include <signal.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <map>
@@ -114,8 +111,7 @@ TEST_F(Crash, LosesNothingThatWasAcknowledged) {
     SCOPED_TRACE(round);
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
-    const pid_t process = fork();
-    if (process == 0) WorkOn(round, ends[1]);
+    const pid_t process = Start([&]() -> bool { WorkOn(round, ends[1]); });
     close(ends[1]);
     std::this_thread::sleep_for(std::chrono::microseconds(random() % 60000));
     kill(process, SIGKILL);

@@ -3,11 +3,8 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstring>
-#include <functional>
 
 #include "tests/storage/record_test.h"
 #include "vdstomgr/storage/file_mapper.h"
@@ -42,20 +39,14 @@ class DiskSpace : public Records {
   }
   /// Whether all expectations of `work`, done in another process on a disk of some MiB, hold.
   void OnADiskOf(int mib, const std::function<void()>& work) {
-    const pid_t process = fork();
-    if (process == 0) {
-      if (!MountSmallDisk(std::filesystem::path(path_).parent_path().string(), mib)) {
-        _exit(kNoSmallDisk);
-      }
+    const auto folder = std::filesystem::path(path_).parent_path().string();
+    const int result = Run([&] {
+      if (!MountSmallDisk(folder, mib)) _exit(kNoSmallDisk);
       work();
-      _exit(HasFailure() ? 1 : 0);
-    }
-    int status = 1;
-    waitpid(process, &status, 0);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == kNoSmallDisk) {
-      GTEST_SKIP() << "this process may not mount a small disk";
-    }
-    EXPECT_EQ(status, 0);
+      return !HasFailure();
+    });
+    if (result == kNoSmallDisk) GTEST_SKIP() << "this process may not mount a small disk";
+    EXPECT_EQ(result, 0);
   }
 };
 

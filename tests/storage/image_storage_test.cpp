@@ -16,16 +16,16 @@ class Images : public StorageTest {
  protected:
   Images() {
     EXPECT_TRUE(images_.CreateFileA(path_.c_str(), 3));
-    EXPECT_TRUE(images_.OpenFile(path_.c_str(), 2, 3));
+    EXPECT_TRUE(images_.OpenFile(path_.c_str()));
   }
   bool Set(const std::string& key, const std::string& data, bool replace) {
     return images_.SetImage(key.c_str(), reinterpret_cast<const BYTE*>(data.data()),
-                            static_cast<int>(data.size()), replace, true, 0);
+                            static_cast<int>(data.size()), replace);
   }
   static std::string TextOf(const CBinData& data) { return {data.begin(), data.end()}; }
   std::string Get(const std::string& key) {
     CBinData data;
-    return images_.GetImage(key.c_str(), data, true, 0) ? TextOf(data) : "-";
+    return images_.GetImage(key.c_str(), data) ? TextOf(data) : "-";
   }
 
   std::string path_ = Path("images.pdb");
@@ -33,62 +33,43 @@ class Images : public StorageTest {
 };
 
 TEST_F(Images, AreOnePerKeyWhenReplaced) {
-  EXPECT_TRUE(Set(kGuid, "one", true));
-  EXPECT_TRUE(Set(kGuid, "two", true));
+  EXPECT_TRUE(Set(kGuid, "one", true) && Set(kGuid, "two", true));
   EXPECT_EQ(images_.GetSize(), 1);
-  EXPECT_EQ(Get(kGuid), "two");
-  EXPECT_EQ(Get("no such"), "-");
-  EXPECT_TRUE(Set("x", "1", false));
-  EXPECT_TRUE(Set("X", "2", false));
+  EXPECT_EQ(Get(kGuid) + Get("no such"), "two-");
+  EXPECT_TRUE(Set("x", "1", false) && Set("X", "2", false));
+  EXPECT_TRUE(Set("x", "3", true));  // in the place of one of the two
   EXPECT_EQ(images_.GetSize(), 3);
-  EXPECT_TRUE(images_.IsImage("x", true, 0));
-  EXPECT_TRUE(images_.DelImage("x", true));
-  EXPECT_FALSE(images_.IsImage("x", true, 0));
+  EXPECT_EQ(Get("x"), "3");
+  EXPECT_TRUE(images_.DelImage("x"));
+  EXPECT_FALSE(images_.IsImage("x") || images_.IsImage(nullptr));
   EXPECT_FALSE(Set("", "", true) && Get("") != "-");  // stored, and empty
-  EXPECT_FALSE(images_.IsImage(nullptr, true, 0));
-  EXPECT_FALSE(images_.SetImage(nullptr, nullptr, 0, true, true, 0));
-}
-
-TEST_F(Images, AreDeletedByTheBeginningOfTheirKeys) {
+  EXPECT_FALSE(images_.SetImage(nullptr, nullptr, 0));
   for (const char* key : {"ab", "ABC", "abd1", "b", "a"}) ASSERT_TRUE(Set(key, "x", true));
-  EXPECT_TRUE(images_.DelImage("ab", true));
-  EXPECT_EQ(images_.GetSize(), 2);
-  EXPECT_TRUE(images_.DelImage("", true));
-  EXPECT_EQ(images_.GetSize(), 0);
-  ASSERT_TRUE(Set("a", "x", true));
+  EXPECT_TRUE(images_.DelImage("ab"));  // all that begin so
+  EXPECT_EQ(images_.GetSize(), 4);
   images_.ResetImage();
   EXPECT_EQ(images_.GetSize(), 0);
   images_.CloseFile();
-  EXPECT_FALSE(images_.DelImage("a", true));
-}
-
-TEST_F(Images, AreRefusedByAStorageOfNumbers) {
+  EXPECT_FALSE(images_.DelImage("a"));
   const std::string numbers = Path("numbers.pdb");
   ASSERT_TRUE(CRkStorageManager::CreateStorageFile(numbers.c_str(), 3, 'D', 4));
-  images_.CloseFile();
-  ASSERT_TRUE(images_.OpenFile(numbers.c_str(), 2, 3));
-  EXPECT_FALSE(Set(kGuid, "one", true));
-  EXPECT_EQ(images_.GetSize(), 0);
+  ASSERT_TRUE(images_.OpenFile(numbers.c_str()));
+  EXPECT_FALSE(Set(kGuid, "one", true));  // its keys are numbers
 }
 
 TEST_F(Images, ComeFromFilesAndGoToFiles) {
   const std::string file = Write("in.jpg", "picture");
-  EXPECT_TRUE(images_.SetImage("k", file.c_str(), true, true, 0));
-  EXPECT_FALSE(images_.SetImage("k", Path("none.jpg").c_str(), true, true, 0));
-  EXPECT_TRUE(images_.GetImageToFile("K", Path("out.jpg").c_str(), true, 0));
+  EXPECT_TRUE(images_.SetImage("k", file.c_str()));
+  EXPECT_FALSE(images_.SetImage("k", Path("none.jpg").c_str()));
+  EXPECT_TRUE(images_.GetImageToFile("K", Path("out.jpg").c_str()));
   EXPECT_EQ(Read(Path("out.jpg")), "picture");
-  EXPECT_FALSE(images_.GetImageToFile("none", Path("none.jpg").c_str(), true, 0));
+  EXPECT_FALSE(images_.GetImageToFile("none", Path("none.jpg").c_str()));
   EXPECT_FALSE(std::filesystem::exists(Path("none.jpg")));
-  images_.DeleteFileA();
-  EXPECT_TRUE(std::filesystem::exists(path_));
-  images_.CloseFile();
-  images_.DeleteFileA();
-  EXPECT_FALSE(std::filesystem::exists(path_) || std::filesystem::exists(Path("images.pdx")));
 }
 
 TEST_F(Images, GiveBackTheirSpace) {
   for (const char* key : {"a", "b", "c"}) ASSERT_TRUE(Set(key, key, true));
-  ASSERT_TRUE(images_.DelImage("b", true));
+  ASSERT_TRUE(images_.DelImage("b"));
   EXPECT_TRUE(images_.ReduceData(3));
   EXPECT_EQ(Read(path_).substr(24, 1), std::string(1, char(3 * 59)));
   EXPECT_TRUE(images_.ReduceData(2));
@@ -103,7 +84,7 @@ TEST_F(Images, GiveBackTheirSpace) {
 TEST_F(Images, AreLentToOneThread) {
   ASSERT_TRUE(Set("k", "picture", true));
   CBinData data;
-  const DWORD handle = images_.Lock_Image("k", data, true, 0);
+  const DWORD handle = images_.Lock_Image("k", data);
   EXPECT_EQ(TextOf(data), "picture");
   std::atomic<bool> has_read = false;
   std::thread other([&] {
@@ -116,8 +97,8 @@ TEST_F(Images, AreLentToOneThread) {
   CRkPhotoImageStorage::Free_Image(handle);
   other.join();
   for (const DWORD stale : {handle, DWORD{0}, handle + 1}) CRkPhotoImageStorage::Free_Image(stale);
-  const DWORD none = images_.Lock_Image("none", data, true, 0);
-  const DWORD null = images_.Lock_Image(nullptr, data, true, 0);
+  const DWORD none = images_.Lock_Image("none", data);
+  const DWORD null = images_.Lock_Image(nullptr, data);
   EXPECT_TRUE(data.IsEmpty() && none != null && none != handle);
   CRkPhotoImageStorage::Free_Image(none);
   CRkPhotoImageStorage::Free_Image(null);
@@ -128,31 +109,12 @@ TEST_F(Images, StayWhenTheNewOneHasNoRoom) {
   ASSERT_TRUE(Set("k", "old", true));
   images_.CloseFile();
   FaultyFiles files;
-  ASSERT_TRUE(images_.OpenFile(path_.c_str(), 2, 3));
+  ASSERT_TRUE(images_.OpenFile(path_.c_str()));
   files.FailAt(1, true);
   EXPECT_FALSE(Set("k", std::string(100 << 20, 'x'), true));
   files.Heal();
   EXPECT_EQ(Get("k"), "old");
   EXPECT_EQ(images_.GetSize(), 1);
-}
-
-/// The replaced record may stand among unsorted ones, and in any place.
-TEST_F(Images, AreReplacedWhereverTheyStand) {
-  images_.CloseFile();
-  for (int round = 0; round < 40; ++round) {
-    CRkStorageManager records;
-    ASSERT_TRUE(records.LoadStorageFile(path_.c_str(), 2, 3));
-    const std::string key = std::to_string(round * 7 % 10);
-    ASSERT_TRUE(records.Add(std::to_string(round).c_str(), nullptr, 0, false));
-    records.FreeStorageFile();
-    ASSERT_TRUE(images_.OpenFile(path_.c_str(), 2, 3));
-    const int size = images_.GetSize();
-    const bool was_there = images_.IsImage(key.c_str(), true, 0);
-    ASSERT_TRUE(Set(key, "round " + std::to_string(round), true));
-    EXPECT_EQ(images_.GetSize(), was_there ? size : size + 1);
-    EXPECT_EQ(Get(key), "round " + std::to_string(round));
-    images_.CloseFile();
-  }
 }
 
 /// Threads on one storage and on storages of their own.
@@ -163,13 +125,13 @@ TEST_F(Images, AreSafeInTheHandsOfManyThreads) {
       const std::string key = name + " " + std::to_string(round % 20);
       const std::string data = key + std::to_string(round);
       CBinData block(reinterpret_cast<const BYTE*>(data.data()), static_cast<DWORD>(data.size()));
-      EXPECT_TRUE(images.SetImage(key.c_str(), block, true, true, 0));
+      EXPECT_TRUE(images.SetImage(key.c_str(), block, true));
       CBinData lent;
-      const DWORD handle = images.Lock_Image(key.c_str(), lent, true, 0);
+      const DWORD handle = images.Lock_Image(key.c_str(), lent);
       EXPECT_EQ(TextOf(lent), data);
       CRkPhotoImageStorage::Free_Image(handle);
       if (round % 50 == 49) images.ReduceData(0);
-      if (round % 20 == 7) images.DelImage(key.c_str(), true);
+      if (round % 20 == 7) images.DelImage(key.c_str());
       images.GetSize();
     }
   };
@@ -177,10 +139,9 @@ TEST_F(Images, AreSafeInTheHandsOfManyThreads) {
   for (int number = 0; number < 4; ++number) {
     threads.emplace_back([&, number] {
       work(images_, number);
-      const std::string own_path = Path("own" + std::to_string(number) + ".pdb");
+      const std::string path = Path("own" + std::to_string(number) + ".pdb");
       CRkPhotoImageStorage own;
-      ASSERT_TRUE(own.CreateFileA(own_path.c_str(), 1));
-      ASSERT_TRUE(own.OpenFile(own_path.c_str(), 2, 3));
+      ASSERT_TRUE(own.CreateFileA(path.c_str(), 1) && own.OpenFile(path.c_str()));
       work(own, number);
     });
   }

@@ -1,9 +1,14 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -44,8 +49,25 @@ class StorageTest : public testing::Test {
     EXPECT_FALSE(file == nullptr || file->ReadAt(0, bytes.data(), bytes.size(), count));
     return bytes;
   }
-  std::vector<std::string> TakeBoxes() { return std::exchange(boxes_, {}); }
-  std::vector<std::string> TakeTraces() { return std::exchange(traces_, {}); }
+#if !defined(_WIN32)
+  /// Runs in a process of its own, which ends without any clean-up: with 0, or with 1 for a false.
+  static pid_t Start(const std::function<bool()>& work) {
+    const pid_t process = fork();
+    if (process == 0) _exit(work() ? 0 : 1);
+    return process;
+  }
+  static int Run(const std::function<bool()>& work) {
+    int status = 1;
+    waitpid(Start(work), &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+  }
+#endif
+  std::vector<std::string> TakeBoxes() {
+    return std::exchange(boxes_, {});
+  }
+  std::vector<std::string> TakeTraces() {
+    return std::exchange(traces_, {});
+  }
 
  private:
   void Note(std::vector<std::string>& notes, const char* text) {
