@@ -1,4 +1,6 @@
-# The database engine: SQLite in the build "SQLite3 Multiple Ciphers", compiled once, symbols hidden.
+# The database engine: SQLite in the build "SQLite3 Multiple Ciphers", compiled once, symbols hidden, and with
+# the sanitizers of VDSTO_SANITIZE like everything else (compiler.cmake): the thread sanitizer must see its
+# locks, and undefined behaviour has not shown in it.
 # By default its amalgamation is fetched by the version and hash pinned in deps/package-lock.json.
 set(VDSTO_SQLITE_DIR "" CACHE PATH
     "Folder with sqlite3.c and sqlite3.h of SQLite3 Multiple Ciphers; empty: fetch the pinned one")
