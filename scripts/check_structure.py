@@ -24,6 +24,8 @@ PUBLIC = "vdstomgr/vdstomgr.h"  # all that the tool includes of the library
 FOREIGN = re.compile(r"#include <(sqlite3|windows|unistd|fcntl|iconv|pthread|sys/[a-z]+)\.h>")
 FOREIGN_ROOMS = ("vdstomgr/platform/os/", "vdstomgr/platform/text/", "vdstomgr/platform/dao/sqlite/")
 FOREIGN_HEADER = "vdstomgr/platform/framework/types.h"  # on Windows the types are the system's own
+# All file work goes through platform/os, so that a test can make every call fail.
+OTHER_FILE_WORK = re.compile(r"#include <(filesystem|fstream)>")
 
 HEADER_LINES, SOURCE_LINES, FUNCTION_LINES = 250, 400, 40
 # A function begins with a line at the margin that ends in "{" and holds a "(", and ends with "}" there.
@@ -55,6 +57,8 @@ def check_rooms():
         if FOREIGN.search(path.read_text()) and str(path) != FOREIGN_HEADER and not (
                 path.suffix == ".cpp" and str(path).startswith(FOREIGN_ROOMS)):
             faults.append(f"{path} includes a header of the system or the engine")
+        if OTHER_FILE_WORK.search(path.read_text()):
+            faults.append(f"{path} works on files beside platform/os")
     for path in files("tools"):
         faults.extend(f"{path}: the tool includes {PUBLIC} and no more of the library, not {included}"
                       for included in includes(path)

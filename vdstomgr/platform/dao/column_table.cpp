@@ -1,6 +1,7 @@
 #include "vdstomgr/platform/dao/column_table.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "vdstomgr/platform/dao/dao_error.h"
 #include "vdstomgr/platform/text/ascii.h"
@@ -19,7 +20,9 @@ int ColumnTable::Find(std::string_view name) const {
 const std::vector<int>& ColumnTable::Positions(const void* key,
                                                std::span<const char* const> names) const {
   for (const auto& [known_key, positions] : known_lists_) {
-    if (known_key == key) return positions;
+    if (known_key != key) continue;
+    assert(positions.size() == names.size());
+    return positions;
   }
   std::vector<int> positions;
   positions.reserve(names.size());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cassert>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,7 +18,10 @@ class ColumnTable {
   explicit ColumnTable(std::vector<ColumnSchema> columns) : columns_(std::move(columns)) {}
 
   int Count() const { return static_cast<int>(columns_.size()); }
-  const ColumnSchema& At(int position) const { return columns_[static_cast<size_t>(position)]; }
+  const ColumnSchema& At(int position) const {
+    assert(position >= 0 && position < Count());
+    return columns_[static_cast<size_t>(position)];
+  }
   const std::vector<ColumnSchema>& All() const { return columns_; }
 
   /// Position of the column of that name (ASCII case disregarded). Throws ItemNotFound when no

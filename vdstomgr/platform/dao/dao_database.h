@@ -40,7 +40,9 @@ class VDSTO_API CDaoDatabase {
   /// remains; without it rows that break a key or do not fit their columns are left out silently.
   virtual void Execute(const char* sql, int options = dbFailOnError);
 
-  /// Changes the password of the open file; an empty one leaves the file plain.
+  /// Changes the password of the open file; an empty one leaves the file plain. A file with content
+  /// is rewritten where it lies: when that is interrupted, by a full disk or by ending the process,
+  /// the file may be lost. Change the password of a copy.
   void NewPassword(const char* old_password, const char* new_password);
 
   /// Rows changed by the last Execute; 0 after a failed one.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 
 #include "vdstomgr/platform/dao/dao_exception.h"
 
@@ -104,6 +105,7 @@ bool IsFileTrouble(int code) {
 void Throw(Error error, std::string_view subject) {
   const auto* found = std::find_if(kMessages.begin(), kMessages.end(),
                                    [&](const Message& m) { return m.error == error; });
+  assert(found != kMessages.end());
   std::string text = found == kMessages.end() ? "Database error." : found->text;
   if (const auto place = text.find('%'); place != std::string::npos) {
     text.replace(place, 1, subject);

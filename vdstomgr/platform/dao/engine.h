@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cassert>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,6 +21,7 @@ struct RowDraft {
 
   void Start(int columns);
   Value& Set(int column) {
+    assert(column >= 0 && static_cast<size_t>(column) < values.size());
     is_set[static_cast<size_t>(column)] = true;
     return values[static_cast<size_t>(column)];
   }

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <cassert>
 #include <vector>
 
 #include "vdstomgr/platform/dao/dao_exception.h"
@@ -46,6 +47,7 @@ Compiler::Compiled Compiler::Compile(std::string_view shape, std::span<const jet
   if (literals.size() > kMostParameters) options.inline_literals = literals;
   Printed printed;
   StatementHandle handle = PrepareTree(tree, options, printed);
+  assert(!known_plan || known_plan->kind == printed.kind);
   auto plan = known_plan ? std::move(known_plan) : MakePlan(handle.get(), printed);
   // A schema statement's literals are part of what it means, so another one must not find it.
   const bool serves_others =

@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <cassert>
+
 #include "vdstomgr/platform/dao/sqlite/errors.h"
 #include "vdstomgr/platform/dao/sqlite/query.h"
 #include "vdstomgr/platform/dao/sqlite/table_writer.h"
@@ -26,6 +28,7 @@ int BindLiteral(sqlite3_stmt* statement, int place, const jet::Literal& literal)
 
 void BindLiterals(sqlite3* db, sqlite3_stmt* statement, std::span<const jet::Literal> literals) {
   const int places = sqlite3_bind_parameter_count(statement);
+  assert(static_cast<size_t>(places) <= literals.size());
   for (int place = 1; place <= places; ++place) {
     Check(db, BindLiteral(statement, place, literals[static_cast<size_t>(place) - 1]), "");
   }
@@ -68,6 +71,7 @@ std::unique_ptr<dao::Query> Connection::Open(std::string_view sql) {
 }
 
 void Connection::EndGroup() {
+  assert(group_depth_ > 0);
   if (--group_depth_ == 0 && !sqlite3_get_autocommit(db_.get())) Commit();
 }
 

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <array>
+#include <cassert>
 #include <cerrno>
 #include <optional>
 #include <string>
@@ -116,6 +117,7 @@ void ThrowFileError(const std::error_code& error, std::string_view path) {
 }
 
 void ThrowEngineError(sqlite3* db, int code, std::string_view subject) {
+  assert(code != SQLITE_OK && code != SQLITE_ROW && code != SQLITE_DONE);
   const std::string message = db ? sqlite3_errmsg(db) : sqlite3_errstr(code);
   const std::error_code system_error(db ? sqlite3_system_errno(db) : 0, std::system_category());
   if (const auto own = OwnError(message)) {

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <charconv>
 
 #include "vdstomgr/platform/dao/dao_error.h"
@@ -151,6 +152,7 @@ std::string SqlPrinter::BareList(std::span<const Expr> items) const {
 
 std::string SqlPrinter::LiteralValue(const jet::LiteralRef& ref) const {
   if (options_.inline_literals.empty()) return "?" + std::to_string(ref.index + 1);
+  assert(static_cast<size_t>(ref.index) < options_.inline_literals.size());
   const jet::Literal& literal = options_.inline_literals[static_cast<size_t>(ref.index)];
   switch (literal.kind) {
     case jet::Literal::Kind::Text:
@@ -193,6 +195,7 @@ std::string SqlPrinter::Node(const jet::ColumnRef& column) const {
 }
 
 std::string SqlPrinter::Node(const jet::Calculation& calculation) const {
+  assert(!calculation.rest.empty());
   const bool infix_first = TextOf(calculation.rest.front().op).level != kAtom;
   std::string sql = infix_first
                         ? Operand(*calculation.first, TextOf(calculation.rest.front().op).level - 1)

@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <cassert>
+
 #include "vdstomgr/platform/dao/sqlite/connection.h"
 #include "vdstomgr/platform/dao/sqlite/errors.h"
 #include "vdstomgr/platform/dao/sqlite/table_writer.h"
@@ -110,6 +112,7 @@ void Query::End() {
 }
 
 dao::Field Query::Get(int column) {
+  assert(column >= 0 && column < Columns().Count());
   if (AtEnd()) dao::Throw(Error::NoCurrentRecord);
   if (state_ == State::Live) return ReadField(statement_->Handle(), column);
   if (!HasRowKeys()) return Show(CurrentRow().values[static_cast<size_t>(column)]);
@@ -149,6 +152,7 @@ Query::NotedRow Query::NoteCurrentRow() const {
 }
 
 Query::NotedRow& Query::CurrentRow() {
+  assert(state_ == State::Noted && position_ < noted_.size());
   return noted_[position_];
 }
 

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <cassert>
 
 namespace vdstomgr::sqlite {
 namespace {
@@ -40,6 +41,7 @@ std::shared_ptr<const Plan> StatementCache::FindPlan(std::string_view key) const
 }
 
 void StatementCache::Adopt(std::string_view key, Statement& statement) {
+  assert(statement.home_.expired());
   if (shapes_.size() >= kMostShapes) EvictOldest();
   const auto [place, added] = shapes_.try_emplace(std::string(key));
   Shape& shape = place->second;

@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <cassert>
+
 #include "vdstomgr/platform/dao/sqlite/connection.h"
 #include "vdstomgr/platform/dao/sqlite/errors.h"
 #include "vdstomgr/platform/dao/sqlite/sql_text.h"
@@ -67,6 +69,7 @@ void TableWriter::Delete(std::int64_t key) {
 sqlite3_stmt* TableWriter::FormFor(std::vector<Form>& forms,
                                    const std::shared_ptr<const Plan>& plan,
                                    const dao::RowDraft& row, SqlWriter write_sql) {
+  assert(row.is_set.size() == static_cast<size_t>(plan->columns.Count()));
   for (const Form& form : forms) {
     if (form.plan == plan && form.is_set == row.is_set) return form.statement.get();
   }
