@@ -49,11 +49,20 @@ std::string ReadAndDeleted(OpenCatalogue& catalogue) {
   return Joined(read, out[1].szGUID, deleted, catalogue.GetTrashPhotoCount()) + told;
 }
 
+std::string Rewritten(OpenCatalogue& catalogue) {
+  TRASHPHOTOINFO info = Read(catalogue, "l");
+  info.SetRotate(1);
+  return Joined(info.szFolderPath, catalogue.SetTrashPhotoInfo(info, false));
+}
+
 TEST_F(OperationTest, Trash) {
   const std::string rest =
       "|md5|n|a/b|ltb|18446744073709551615|65535|6|7|8|2001-01-01 01:00:00|2002-01-01 02:00:00|"
       "2003-01-01 03:00:00|up|de";
   const std::string zero = std::string(CUtilityLib::GetTime(0).Str()) + "|";
+  const std::string path(600, 'p');
+  const std::string long_path =
+      "INSERT INTO PhotoTrashMaster (szGUID, szFolderPath) values ('l', '" + path + "')";
   constexpr auto kAdd = &OpenCatalogue::AddTrashPhotoInfo;
   constexpr auto kSet = &OpenCatalogue::SetTrashPhotoInfo;
   Check({
@@ -84,6 +93,12 @@ TEST_F(OperationTest, Trash) {
        "1|1",
        kRows,
        {"b" + rest, "g" + rest}},
+      {"a path that the record cannot hold stays",
+       {long_path.c_str()},
+       Rewritten,
+       "?|1",
+       "SELECT szFolderPath, byteRotate FROM PhotoTrashMaster",
+       {path + "|1"}},
       {"one is deleted",
        {kFullRow, kBareRow},
        ANSWER_OF(DeleteTrashPhoto("B")),

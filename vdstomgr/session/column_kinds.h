@@ -59,7 +59,7 @@ constexpr Column<Record> FixedText(const char* name) {
             if (!field.IsNull()) CopyToFixed(record.*member, AsText(field, text));
           },
           [](const Record& record, dao::Value& value) { SetText(value, record.*member); },
-          sizeof(TypeOf<member>) - 1};
+          /*lossy=*/true};
 }
 
 /// A text held in the record itself that has a setter with a rule of its own, which a null column
@@ -81,7 +81,7 @@ constexpr Column<Record> PropertyText(const char* name) {
             (record.*setter)(AsText(field, text));
           },
           [](const Record& record, dao::Value& value) { SetText(value, (record.*getter)()); },
-          kAnyLength};
+          /*lossy=*/true};
 }
 
 /// A byte count as a decimal text.

@@ -19,11 +19,10 @@ struct Column {
   /// `text` is memory to convert texts in.
   void (*read)(const dao::Field& field, Record& record, std::string& text);
   void (*write)(const Record& record, dao::Value& value);
-  /// The most bytes of text that the record holds of this column; 0 when it holds no text.
-  std::size_t text_bytes = 0;
+  /// A text that a record may hold otherwise than the table does: cut, in a code page that lacks
+  /// some of its characters, or as the rule of its setter has it.
+  bool lossy = false;
 };
-
-inline constexpr std::size_t kAnyLength = static_cast<std::size_t>(-1);
 
 /// The columns of one list followed by those of another.
 template <class Record, std::size_t A, std::size_t B>
@@ -80,16 +79,14 @@ class ColumnMap {
     recordset.Update();
   }
 
-  /// Rewrites the current row. A column keeps its text when the record's is what it reads as: the
-  /// record may hold it cut, or in a code page that lacks some of its characters.
+  /// Rewrites the current row. A lossy column keeps its text when the record's is what it reads as.
   void Edit(CDaoRecordset& recordset, const Record& record) const {
     recordset.Edit();
     Fill(recordset, record);
     const int* position = Positions(recordset);
     for (const Column<Record>& column : columns_) {
-      if (column.write && column.text_bytes)
-        KeepText(recordset.Query().Get(*position), column.text_bytes,
-                 recordset.Draft().Set(*position));
+      if (column.write && column.lossy)
+        KeepText(column, recordset.Query().Get(*position), recordset.Draft().Set(*position));
       ++position;
     }
     recordset.Update();
@@ -106,6 +103,16 @@ class ColumnMap {
   }
 
  private:
+  /// Puts the stored text back into `value` when reading it and writing it again gives that value.
+  static void KeepText(const Column<Record>& column, const dao::Field& stored, dao::Value& value) {
+    if (stored.kind != dao::Kind::Text || stored.bytes == value.bytes) return;
+    Record record{};
+    dao::Value again;
+    column.read(stored, record, ScratchText());
+    column.write(record, again);
+    if (again.bytes == value.bytes) value.bytes = stored.bytes;
+  }
+
   const int* Positions(CDaoRecordset& recordset) const {
     return recordset.Query().Columns().Positions(this, names_).data();
   }

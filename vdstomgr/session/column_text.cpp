@@ -61,12 +61,6 @@ std::int32_t TimeFromText(const char* date) {
   return TimeOrZero(CUtilityLib::GetTime(date));
 }
 
-void KeepText(const dao::Field& stored, std::size_t text_bytes, dao::Value& value) {
-  if (stored.kind != dao::Kind::Text || stored.bytes == value.bytes) return;
-  const std::string text = FromUtf8(stored.bytes);
-  if (ToUtf8(CutToBytes(text, text_bytes)) == value.bytes) value.bytes = stored.bytes;
-}
-
 std::string& ScratchText() {
   thread_local std::string text;
   return text;

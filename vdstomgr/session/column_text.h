@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -28,9 +27,6 @@ std::uint64_t SizeFromText(const char* decimal);
 std::uint64_t SizeFromReal(double bytes);
 /// 0 when the text is no date.
 std::int32_t TimeFromText(const char* date);
-
-/// Puts the stored text back into `value` when reading it and writing it again gave that value.
-void KeepText(const dao::Field& stored, std::size_t text_bytes, dao::Value& value);
 
 /// Memory of the calling thread to convert texts in.
 std::string& ScratchText();
