@@ -26,6 +26,7 @@ Facts Describe(const ChangePlan& plan, bool dry_run) {
   for (const std::string& name : plan.names) {
     if (dry_run) facts.ForPeople(Printable(name));
   }
+  for (const auto& [key, value] : plan.details.items()) facts.ForPrograms(key, value);
   return facts.ForPeople(Sentence(plan, dry_run))
       .ForPrograms("changed", plan.changed.size())
       .ForPrograms("unchanged", plan.unchanged)
@@ -69,7 +70,9 @@ ExitCode ChangePhotos(Invocation& invocation, Library& library, const PhotoWords
                       const ChangeOptions& options, const PhotoChange& change) {
   CataloguePath paths(library);
   ChangePlan plan{"photo", change.participle, change.is_final};
+  plan.details = change.details;
   CStringArray guids;
+  size_t replaced = 0;
   for (const CString& guid : SelectPhotos(library, words)) {
     const auto photo = library.Photo(guid.Str());
     if (!photo) continue;  // deleted meanwhile
@@ -77,9 +80,14 @@ ExitCode ChangePhotos(Invocation& invocation, Library& library, const PhotoWords
       ++plan.unchanged;
       continue;
     }
+    if (change.replaces && change.replaces(*photo)) ++replaced;
     guids.Add(guid);
     plan.changed.push_back(guid.Str());
     if (options.dry_run) plan.names.push_back(paths.NameOf(*photo));
+  }
+  if (replaced > 0) {
+    plan.is_final = true;
+    plan.participle += " (" + std::to_string(replaced) + " in place of another)";
   }
   return CarryOut(invocation, plan, options, [&] { change.apply(guids); });
 }

@@ -25,6 +25,7 @@ struct ChangePlan {
   std::vector<std::string> changed = {};  ///< as programs know them: GUIDs or ids
   std::vector<std::string> names = {};    ///< the same for people, who see them in a dry run
   size_t unchanged = 0;                   ///< were so already
+  Json details = Json::object();          ///< what else programs are told
 };
 
 /// Does what is planned: asks when it is final, calls `apply`, and writes what has changed; in a
@@ -41,9 +42,12 @@ void ConfirmLoss(const ChangePlan& plan, const ChangeOptions& options);
 struct PhotoChange {
   std::string participle;
   /// Is this photo so already? It is left alone then.
-  std::function<bool(const PHOTOINFO&)> is_done;
-  std::function<void(const CStringArray& guids)> apply;
+  std::function<bool(const PHOTOINFO&)> is_done = {};
+  std::function<void(const CStringArray& guids)> apply = {};
   bool is_final = false;
+  /// Is something lost that this photo has? The user is asked then, and the summary says how often.
+  std::function<bool(const PHOTOINFO&)> replaces = {};
+  Json details = Json::object();  ///< what else programs are told
 };
 
 /// Selects photos, leaves alone what needs no change, and carries the rest out.

@@ -58,7 +58,8 @@ Command& Command::OptionalWord(const char* name, std::string& value, const char*
   return *this;
 }
 
-Command& Command::Words(const char* name, std::vector<std::string>& values, const char* help) {
+Command& Command::Words(const char* name, std::vector<std::string>& values,
+                        const std::string& help) {
   app_.add_option_function<std::vector<std::string>>(
           name,
           [&values](const std::vector<std::string>& words) {
@@ -121,6 +122,19 @@ Command& Command::Folders(FolderWords& words) {
   return List(words, "FOLDER", "The folders, named as said below").Notes(kFolderNotes);
 }
 
+Command& Command::Tag(std::string& word) {
+  return Word("TAG", word, "The tag's name; case and blanks at the ends do not count");
+}
+
+Command& Command::Tags(WordList& words) {
+  return List(words, "TAG",
+              "Names of tags, patterns of them ('여행*'), or - for a list on standard input");
+}
+
+Command& Command::Names(WordList& words, const std::string& what) {
+  return List(words, "NAME", what + ", or - for a list on standard input");
+}
+
 Command& Command::Change(ChangeOptions& options) {
   return Flag("-n,--dry-run", options.dry_run, "Only tell what would change");
 }
@@ -129,7 +143,7 @@ Command& Command::FinalChange(ChangeOptions& options) {
   return Change(options).Flag("-y,--yes", options.yes, "Do not ask");
 }
 
-Command& Command::List(WordList& list, const char* name, const char* help) {
+Command& Command::List(WordList& list, const char* name, const std::string& help) {
   return Words(name, list.words, help)
       .Flag("-0,--null", list.ends_with_zero,
             "With -: each name ends with a zero byte, as from find -print0");

@@ -29,7 +29,7 @@ class Command {
   Command& Word(const char* name, std::string& value, const char* help);
   Command& OptionalWord(const char* name, std::string& value, const char* help);
   /// One word or more.
-  Command& Words(const char* name, std::vector<std::string>& values, const char* help);
+  Command& Words(const char* name, std::vector<std::string>& values, const std::string& help);
   /// A word that is a whole number between `least` and `most`.
   Command& Number(const char* name, int& value, int least, int most, const char* help);
   /// An option with a value, "-o,--output"; `type` stands for the value in the help.
@@ -44,13 +44,18 @@ class Command {
   Command& Photo(std::string& word);
   Command& Photos(PhotoWords& words);
   Command& Folders(FolderWords& words);
+  /// Exactly one tag, or one that is to be made.
+  Command& Tag(std::string& word);
+  Command& Tags(WordList& words);
+  /// Names of something that may be new.
+  Command& Names(WordList& words, const std::string& what);
   /// --dry-run, for commands that carry out a ChangePlan.
   Command& Change(ChangeOptions& options);
   /// The same and --yes, for commands that ask before they delete for good.
   Command& FinalChange(ChangeOptions& options);
 
  private:
-  Command& List(WordList& list, const char* name, const char* help);
+  Command& List(WordList& list, const char* name, const std::string& help);
 
   CLI::App& app_;
 };

@@ -75,6 +75,16 @@ Json PhotoAsJson(const PHOTOINFO& photo, const std::string& folder) {
           {"exif", ExifAsJson(photo)}};
 }
 
+Fact TagsFact(const std::vector<TAGINFO>& tags) {
+  Json list = Json::array();
+  std::string names;
+  for (const TAGINFO& tag : tags) {
+    list.push_back(tag.szTagName);
+    names += (names.empty() ? "" : ", ") + Printable(tag.szTagName);
+  }
+  return {std::move(list), names.empty() ? "-" : names};
+}
+
 Table PhotoTable() {
   return Table({"shot", "size", "pixels", "name"});
 }

@@ -1,5 +1,6 @@
 #pragma once
 #include <string>
+#include <vector>
 
 #include "tools/vdsto/cli/answer.h"
 #include "vdstomgr/vdstomgr.h"
@@ -17,6 +18,9 @@ bool CanBeShown(const PHOTOINFO& photo);
 /// Every field under a stable key. `folder` is the photo's catalogue path. What is not known is
 /// null.
 Json PhotoAsJson(const PHOTOINFO& photo, const std::string& folder);
+
+/// The names of tags: a list for programs, "바다, 여행" for people.
+Fact TagsFact(const std::vector<TAGINFO>& tags);
 
 /// The rows of a list of photos, which is the same in every command; `name` is the last column.
 Table PhotoTable();

@@ -11,6 +11,9 @@ void AddList(CommandGroup& tool);
 void AddInfo(CommandGroup& tool);
 void AddThumb(CommandGroup& tool);
 void AddRate(CommandGroup& tool);
+void AddTag(CommandGroup& tool);
+void AddTitle(CommandGroup& tool);
+void AddDescribe(CommandGroup& tool);
 void AddStat(CommandGroup& tool);
 void AddStore(CommandGroup& tool);
 

@@ -2,7 +2,9 @@
 #include "tools/vdsto/cli/invocation.h"
 #include "tools/vdsto/cli/photo_text.h"
 #include "tools/vdsto/commands/commands.h"
+#include "tools/vdsto/library/photo_texts.h"
 #include "tools/vdsto/selection/catalogue_path.h"
+#include "tools/vdsto/selection/tags.h"
 
 namespace vdsto {
 namespace {
@@ -15,13 +17,28 @@ struct Info {
   void Declare(Command& command) { command.Photo(photo); }
 
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    const LibraryOptions options = invocation.AskForLibrary();
+    Library library(options);
+    PhotoTexts texts(library, options.password);
     CataloguePath paths(library);
     const PHOTOINFO info = paths.Photo(photo);
     const Json fields = PhotoAsJson(info, paths.NameOf(info.dwFolderID));
     Facts facts(kLabelColumns);
-    for (const auto& [key, value] : fields.items()) facts.Add(key, value);
+    for (const auto& [key, value] : fields.items()) {
+      facts.Add(key, value);
+      if (key == "name")
+        AddWords(texts.Of(info.szGUID), TagsOfPhotos(library).Of(info.szGUID), facts);
+    }
     return invocation.Write(facts);
+  }
+
+ private:
+  static void AddWords(const PhotoTexts::Texts& texts, const std::vector<TAGINFO>& tags,
+                       Facts& facts) {
+    const auto known = [](const std::string& text) { return text.empty() ? Json() : Json(text); };
+    facts.Add("title", known(texts.title))
+        .Add("description", known(texts.description))
+        .Add("tags", TagsFact(tags));
   }
 };
 
