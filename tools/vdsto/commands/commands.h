@@ -14,6 +14,8 @@ void AddRate(CommandGroup& tool);
 void AddTag(CommandGroup& tool);
 void AddTitle(CommandGroup& tool);
 void AddDescribe(CommandGroup& tool);
+void AddRotate(CommandGroup& tool);
+void AddFlag(CommandGroup& tool);
 void AddStat(CommandGroup& tool);
 void AddStore(CommandGroup& tool);
 
