@@ -16,6 +16,7 @@ void AddTitle(CommandGroup& tool);
 void AddDescribe(CommandGroup& tool);
 void AddRotate(CommandGroup& tool);
 void AddFlag(CommandGroup& tool);
+void AddCamera(CommandGroup& tool);
 void AddStat(CommandGroup& tool);
 void AddStore(CommandGroup& tool);
 

@@ -14,7 +14,7 @@ constexpr std::chrono::milliseconds kBatchAge{500};
 
 PhotoWriter::PhotoWriter(Library& library, ImageStore& images, FolderMirror& mirror,
                          ImportSummary& summary)
-    : library_(library), images_(images), mirror_(mirror), summary_(summary) {}
+    : library_(library), images_(images), mirror_(mirror), summary_(summary), cameras_(library) {}
 
 void PhotoWriter::Write(const ImportJob& job, const PictureFacts& facts) {
   if (!facts.IsPicture()) {
@@ -22,6 +22,7 @@ void PhotoWriter::Write(const ImportJob& job, const PictureFacts& facts) {
     return;
   }
   Remember(job, facts);
+  cameras_.Remember(facts.exif);
   job.known_guid.empty() ? Add(job, facts) : Update(job, facts);
 }
 
@@ -67,6 +68,11 @@ void PhotoWriter::StoreImage(const PHOTOINFO& photo, const PictureFacts& facts) 
 }
 
 void PhotoWriter::Flush() {
+  FlushRows();
+  cameras_.Write();
+}
+
+void PhotoWriter::FlushRows() {
   flush_time_ = Clock::time_point::max();
   if (batch_.IsEmpty()) return;
   if (StoreBatch()) {

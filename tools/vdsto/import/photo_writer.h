@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/vdsto/import/cameras_met.h"
 #include "tools/vdsto/import/folder_mirror.h"
 #include "tools/vdsto/import/import_summary.h"
 #include "tools/vdsto/library/image_store.h"
@@ -38,6 +39,7 @@ class PhotoWriter {
   void Update(const ImportJob& job, const PictureFacts& facts);
   void StoreImage(const PHOTOINFO& photo, const PictureFacts& facts);
   void Remember(const ImportJob& job, const PictureFacts& facts);
+  void FlushRows();
   bool StoreBatch();
   void WriteOneByOne();
   bool Store(const PHOTOINFO& photo, const std::string& path, bool is_new);
@@ -46,6 +48,7 @@ class PhotoWriter {
   ImageStore& images_;
   FolderMirror& mirror_;
   ImportSummary& summary_;
+  CamerasMet cameras_;
   vdstomgr::PhotoArray batch_;
   std::vector<std::string> batch_paths_;
   Clock::time_point flush_time_ = Clock::time_point::max();
