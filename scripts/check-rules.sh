@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # What must stay true of the tree and no compiler checks: structure and sizes, the table of statements,
-# what hosts and headers see, the tests' share. Usage: scripts/check-rules.sh
+# the index of operations, what hosts and headers see, the tests' share. Usage: scripts/check-rules.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."
 fault=0
 
 scripts/check_structure.py || fault=1
 scripts/check_statements.py || fault=1
+scripts/make_operation_index.py --check || fault=1
 
 lines() { find "$@" \( -name '*.h' -o -name '*.cpp' \) -print0 | xargs -0 -r cat | grep -cvE '^\s*$'; }
 code=$(lines vdstomgr tools)

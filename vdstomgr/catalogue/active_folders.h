@@ -7,8 +7,11 @@ namespace vdstomgr::catalogue {
 /// The active folders: those whose photos the catalogue keeps.
 class VDSTO_API ActiveFolders : public FolderAttributes {
  public:
+  /// Appends the active folders, in no order.
   int GetActiveFolder(CDWordArray& ids);
+  /// Is the folder active?
   bool IsActiveFolder(DWORD id);
+  /// Makes a folder active; true also when it is already.
   bool SetActiveFolder(DWORD id);
   /// Adds those that are not active yet.
   bool AddActiveFolder(const CDWordArray& ids);

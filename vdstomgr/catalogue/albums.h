@@ -34,6 +34,7 @@ class VDSTO_API Albums : public Rooms {
   /// Fill a fresh record; false, and the record as it was, when there is no such album.
   bool GetAlbumInfo(DWORD room, DWORD album, ALBUMINFO& out);
   bool GetParentAlbumInfo(DWORD room, DWORD album, ALBUMINFO& out);
+  /// Empty when there is no such album.
   CString GetAlbumName(DWORD room, DWORD album);
   /// "room/top album/.../album"; the room's name alone when there is no such album.
   CString GetAlbumPath(DWORD room, DWORD album);
@@ -43,9 +44,12 @@ class VDSTO_API Albums : public Rooms {
   /// Photos that are in the album stay in it. The album need not exist.
   bool AddAlbum(const char* guid, DWORD room, DWORD album);
   bool AddAlbum(const CStringArray& guids, DWORD room, DWORD album);
+  /// Takes photos out of an album; true also when they are not in it.
   bool RemoveAlbum(const char* guid, DWORD room, DWORD album);
   bool RemoveAlbum(const CStringArray& guids, DWORD room, DWORD album);
+  /// Is the photo in the album?
   bool IsAlbumPhoto(const char* guid, DWORD room, DWORD album);
+  /// Takes photos out of all albums.
   void RemoveAllAlbumByGUID(const char* guid);
   void RemoveAllAlbumByGUID(const CStringArray& guids);
   /// Takes all photos out of an album, with `bRecursive` also out of all below it.

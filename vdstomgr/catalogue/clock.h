@@ -17,6 +17,7 @@ class VDSTO_API Clock {
 
   /// Seconds since 1970.
   void Set(std::int32_t time);
+  /// The time, in the same seconds.
   std::int32_t Now() const;
   /// Now as the 19-character text that date columns hold.
   CString NowText() const;

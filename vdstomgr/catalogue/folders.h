@@ -20,8 +20,11 @@ class VDSTO_API Folders : public Versions {
   int GetFolderInfo(const CDWordArray& ids, FolderArray& folders);
   /// Reads parent, id and name only. False for a top-level folder.
   bool GetParentFolderInfo(DWORD id, FOLDERINFO& parent);
+  /// As it is stored: empty for a root without one, and for a missing folder.
   CString GetFolderName(DWORD id);
+  /// Empty when there is no such folder.
   CString GetFolderDesc(DWORD id);
+  /// 0xFFFFFFFF for a top-level folder and for a missing one.
   DWORD GetParentFolderID(DWORD id);
   /// The child of that name.
   DWORD GetSubFolderID(DWORD parent, const char* name);
@@ -31,6 +34,7 @@ class VDSTO_API Folders : public Versions {
   /// 0 personal, 1 public, 2 guest; 0xFFFFFFFF when the folder is missing or under no root.
   DWORD GetFolderType(DWORD id);
   DWORD GetFolderType(const char* path);
+  /// Is there such a folder?
   bool FolderExistsInDB(DWORD id);
 
   /// ---- Lists ----
@@ -40,11 +44,15 @@ class VDSTO_API Folders : public Versions {
   int GetFolderList(CDWordArray& ids, DWORD parent);
   /// The children, in no order.
   int GetSubFolderInfo(DWORD parent, FolderArray& folders);
+  /// How many children a folder has.
   int GetSubFolderCountFromDB(DWORD parent);
+  /// Every folder; a root without a name gets its fixed one.
   int GetAllFolderList(FolderArray& folders);
   /// Every folder under its stored name: a root without one gets none.
   int GetAllFolderListForSearch(FolderArray& folders);
+  /// Every folder under its id. Answers the map's size.
   int GetFolderInfoForTree(FolderMap& folders);
+  /// How many folders there are, the catalogue's own included.
   int GetFolderCount();
 
   /// ---- Sub-folders ----
@@ -98,6 +106,7 @@ class VDSTO_API Folders : public Versions {
   bool SetFolderInfo(const FOLDERINFO& folder);
   /// Rewrites or adds each. The number changes nothing.
   bool SetFolderInfo(const FolderArray& folders, int unused = 0);
+  /// Gives a folder another name and description.
   bool RenameFolder(DWORD id, const char* name, const char* desc);
   /// In seconds since 1970.
   bool UpdateFolderModifiedDate(DWORD id, std::int32_t time);

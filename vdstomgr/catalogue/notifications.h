@@ -12,37 +12,44 @@ namespace vdstomgr::catalogue {
 /// marks made in between.
 class VDSTO_API Notifications : public SideTables {
  public:
+  /// Marks of folders for a tree.
   void AddNotifyFolder_Tree(DWORD id, BYTE type);
   void AddNotifyFolder_Tree(const CDWordArray& ids, BYTE type);
   bool GetNotifyFolder_Tree(NotifyArray& marks);
   void ResetNotifyFolder_Tree();
 
+  /// Marks of folders for a list.
   void AddNotifyFolder_List(DWORD id, BYTE type);
   void AddNotifyFolder_List(const CDWordArray& ids, BYTE type);
   bool GetNotifyFolder_List(NotifyArray& marks);
   void ResetNotifyFolder_List();
 
+  /// Marks of dates for a tree.
   void AddNotifyDate_Tree(DWORD id, BYTE type);
   void AddNotifyDate_Tree(const CDWordArray& ids, BYTE type);
   bool GetNotifyDate_Tree(NotifyArray& marks);
   void ResetNotifyDate_Tree();
 
+  /// Marks of dates for a list.
   void AddNotifyDate_List(DWORD id, BYTE type);
   void AddNotifyDate_List(const CDWordArray& ids, BYTE type);
   bool GetNotifyDate_List(NotifyArray& marks);
   void ResetNotifyDate_List();
 
+  /// Marks of tags for a tree.
   void AddNotifyTag_Tree(DWORD id, BYTE type);
   void AddNotifyTag_Tree(const CDWordArray& ids, BYTE type);
   bool GetNotifyTag_Tree(NotifyArray& marks);
   void ResetNotifyTag_Tree();
 
+  /// Marks of tags for a list.
   void AddNotifyTag_List(DWORD id, BYTE type);
   void AddNotifyTag_List(const CDWordArray& ids, BYTE type);
   bool GetNotifyTag_List(NotifyArray& marks);
   void ResetNotifyTag_List();
 
-  /// An empty GUID that is not null is marked with its type, and then covers all others too.
+  /// Marks of deleted photos for a list. An empty GUID that is not null is marked with its type,
+  /// and then covers all others too.
   void AddNotifyTrash_List(const char* guid, BYTE type);
   void AddNotifyTrash_List(const CStringArray& guids, BYTE type);
   bool GetNotifyTrash_List(TrashNotifyArray& marks);

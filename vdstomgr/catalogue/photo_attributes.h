@@ -35,6 +35,7 @@ class VDSTO_API PhotoAttributes : public Photos {
 
   /// ---- Not marked, on purpose ----
 
+  /// Moves photos to a folder, which need not exist.
   bool SetFolder(const char* guid, DWORD folder);
   bool SetFolder(const CStringArray& guids, DWORD folder);
   bool SetPublic(const char* guid, BYTE is_public);

@@ -27,14 +27,18 @@ class VDSTO_API Photos : public ActiveFolders {
 
   /// ---- Questions ----
 
+  /// The file name; empty when there is no such photo.
   CString GetPhotoName(const char* guid);
   /// 0xFFFFFFFF when there is no such photo.
   DWORD GetFolderID(const char* guid);
+  /// Is there a photo of that name in the folder?
   bool IsPhoto(DWORD folder, const char* file_name);
+  /// How many photos the catalogue holds.
   int GetPhotoCount();
   /// The first photo of that name in the folder, or all of them.
   CString GetPhotoGUID(DWORD folder, const char* file_name);
   int GetPhotoGUID(DWORD folder, const char* file_name, CStringArray& out);
+  /// The photos of a folder, not of those below it, in no order.
   int GetPhotoInFolder(DWORD folder, CStringArray& out);
   /// By file name.
   int GetPhotoInFolder(DWORD folder, PhotoArray& out);

@@ -7,6 +7,7 @@ namespace vdstomgr::catalogue {
 /// Emptying whole tables, and a repair.
 class VDSTO_API Resets : public Deletion {
  public:
+  /// Every photo; tags, albums and queues that name it stay.
   bool ResetPhotoMaster();
   bool ResetPhotoTag();
   bool ResetTrashPhoto();

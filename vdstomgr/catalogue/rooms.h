@@ -16,10 +16,12 @@ class VDSTO_API Rooms : public Tags {
   bool GetRoomInfo(DWORD id, ROOMINFO& room);
   /// By name.
   int GetAllRoomInfo(RoomArray& out);
+  /// Empty when there is no such room.
   CString GetRoomName(DWORD id);
   /// Deletes the room with its tree of albums and their photos' memberships; true also when there
   /// is none.
   bool DelRoomInfo(DWORD id);
+  /// Is there a room of that id, or name?
   bool IsRoom(DWORD id);
   bool IsRoom(const char* name);
 };

@@ -18,8 +18,10 @@ class VDSTO_API SideTables : public SyncProcess {
   /// Changes a path that is there; never adds one.
   bool SetRP(const char* guid, const char* path);
   bool SetOP(const char* guid, const char* path);
+  /// Empty when the photo has no path.
   CString GetRP(const char* guid);
   CString GetOP(const char* guid);
+  /// Forgets a path; the file stays.
   bool DelRP(const char* guid);
   bool DelOP(const char* guid);
 

@@ -18,10 +18,12 @@ class VDSTO_API Tags : public PhotoAttributes {
   bool ChangeTagName(DWORD id, const char* name);
   /// Deletes the tag only: the photos' links to it stay until RemoveAllTagByTagID.
   void RemoveTagInfo(DWORD id);
+  /// Is there a tag of that name, or id?
   bool IsTag(const char* name);
   bool IsTag(DWORD id);
   /// 0xFFFFFFFF when there is no tag of that name.
   DWORD GetTagID(const char* name);
+  /// Empty when there is no such tag.
   CString GetTagName(DWORD id);
   /// The names in the order of the ids, joined by ','. Missing tags are left out.
   CString GetTagNamesByTagIDs(const CDWordArray& ids);
@@ -39,6 +41,7 @@ class VDSTO_API Tags : public PhotoAttributes {
   /// Marks the photos always, tagged or not.
   bool RemoveTag(const char* guid, DWORD tag);
   bool RemoveTag(const CStringArray& guids, DWORD tag);
+  /// Does the photo carry the tag?
   bool IsTagged(const char* guid, DWORD tag);
   /// With `bSync` the photos are marked.
   void RemoveAllTagByGUID(const char* guid, bool bSync);

@@ -15,6 +15,7 @@ class VDSTO_API Trash : public Albums {
   bool GetTrashPhotoInfo(const char* guid, TRASHPHOTOINFO& info);
   /// Appends those in the trash; `progress` is told (index, count, null, false) after each.
   int GetTrashPhotoInfo(const CStringArray& guids, TrashPhotoArray& out, CRkCallback progress);
+  /// How many photos are in the trash.
   int GetTrashPhotoCount();
 
   /// Puts a photo into the trash. When it is there: rewrites it with `bUpdateIfExists`, else false.

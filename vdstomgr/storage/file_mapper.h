@@ -76,6 +76,7 @@ class VDSTO_API CRkFileMapper {
   /// file keeps its length then.
   bool SetFileSize(std::uint64_t size);
 
+  /// Whether there is an open file.
   bool IsFileOpened() const;
   /// The file's length in bytes as the system knows it now; 0 when no file is open.
   std::uint64_t GetFileSize() const;

@@ -36,6 +36,7 @@ class VDSTO_API CRkPhotoImageStorage {
   /// it is open or while anybody else has either of them open for writing.
   bool DeleteFileA();
 
+  /// Is there an image of that key?
   bool IsImage(const char* key, bool refresh = true, int reserved = 0);
 
   /// Store a file's content, a block, or `length` bytes as the image of a key. With `replace`, the
