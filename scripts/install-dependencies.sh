@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what the build needs and the machine lacks (Debian packages), and says what it installs.
-# Usage: scripts/install-dependencies.sh [build|demo|test|bench|fuzz|windows]...   (build is always included)
+# Usage: scripts/install-dependencies.sh [build|demo|test|bench|docs|fuzz|windows]...   (build is always included)
 set -euo pipefail
 
 packages=(
@@ -13,6 +13,7 @@ for purpose in "$@"; do
     demo) packages+=(libvips-tools exiv2) ;;
     test) packages+=(libgtest-dev libgmock-dev python3) ;;
     bench) packages+=(libbenchmark-dev libvips-tools liblmdb-dev librocksdb-dev) ;;
+    docs) packages+=(doxygen) ;;
     fuzz) packages+=(clang libclang-rt-dev) ;;
     windows)
       packages+=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix googletest python3 wine wine64)
