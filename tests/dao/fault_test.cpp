@@ -3,8 +3,8 @@
 #include "tests/dao/database_fixture.h"
 #include "tests/dao/faulty_disk.h"
 #include "tests/dao/faulty_memory.h"
+#include "tests/dao/integrity.h"
 #include "vdstomgr/platform/dao/engine.h"
-#include "vdstomgr/platform/dao/sqlite/connection.h"
 
 namespace {
 
@@ -67,15 +67,6 @@ class FaultTest : public DatabaseTest {
     CRkDaoRecordset rs(&db);
     rs.Open(dbOpenDynaset, "SELECT COUNT(*) FROM T WHERE name LIKE 'new*'");
     return static_cast<int>(rs.GetFieldValue(0).ToInteger());
-  }
-
-  static void ExpectSound(CRkDaoDatabase& db) {
-    sqlite3* engine = static_cast<vdstomgr::sqlite::Connection&>(db.Connection()).Handle();
-    const auto expect_ok = [](void*, int, char** columns, char**) {
-      EXPECT_STREQ(columns[0], "ok");
-      return 0;
-    };
-    EXPECT_EQ(sqlite3_exec(engine, "PRAGMA integrity_check", expect_ok, nullptr, nullptr), 0);
   }
 
   std::vector<Operation> Operations() {

@@ -21,7 +21,7 @@ bool ActiveFolders::IsActiveFolder(DWORD id) {
 }
 
 bool ActiveFolders::SetActiveFolder(DWORD id) {
-  return AddActiveFolder(CDWordArray{id});
+  return m_db->ForOne(id, [&](const CDWordArray& one) { return AddActiveFolder(one); });
 }
 
 bool ActiveFolders::AddActiveFolder(const CDWordArray& ids) {
@@ -39,7 +39,7 @@ bool ActiveFolders::SetAllFolderActive() {
 }
 
 bool ActiveFolders::DelActiveFolder(DWORD id) {
-  return DelActiveFolder(CDWordArray{id});
+  return m_db->ForOne(id, [&](const CDWordArray& one) { return DelActiveFolder(one); });
 }
 
 bool ActiveFolders::DelActiveFolder(const CDWordArray& ids) {

@@ -48,7 +48,7 @@ CDWordArray ChildAlbumIds(DatabaseSession& db, ALBUMINDEX album) {
 }  // namespace
 
 bool Albums::AddAlbum(const char* guid, DWORD room, DWORD album) {
-  return AddAlbum(CStringArray{guid}, room, album);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return AddAlbum(one, room, album); });
 }
 
 bool Albums::AddAlbum(const CStringArray& guids, DWORD room, DWORD album) {
@@ -58,7 +58,7 @@ bool Albums::AddAlbum(const CStringArray& guids, DWORD room, DWORD album) {
 }
 
 bool Albums::RemoveAlbum(const char* guid, DWORD room, DWORD album) {
-  return RemoveAlbum(CStringArray{guid}, room, album);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return RemoveAlbum(one, room, album); });
 }
 
 bool Albums::RemoveAlbum(const CStringArray& guids, DWORD room, DWORD album) {
@@ -75,7 +75,7 @@ bool Albums::IsAlbumPhoto(const char* guid, DWORD room, DWORD album) {
 }
 
 void Albums::RemoveAllAlbumByGUID(const char* guid) {
-  RemoveAllAlbumByGUID(CStringArray{guid});
+  m_db->Guarded([&] { RemoveAllAlbumByGUID(CStringArray{guid}); });
 }
 
 void Albums::RemoveAllAlbumByGUID(const CStringArray& guids) {

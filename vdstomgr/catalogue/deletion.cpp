@@ -22,7 +22,9 @@ void ForEachTold(const List& items, const CRkCallback& progress, Body body) {
 }  // namespace
 
 bool Deletion::DeleteFolder(DWORD id) {
-  return IsReservedFolder(id) || DeleteFoldersAndRelations(CDWordArray{id}, true, nullptr);
+  return IsReservedFolder(id) || m_db->ForOne(id, [&](const CDWordArray& one) {
+    return DeleteFoldersAndRelations(one, true, nullptr);
+  });
 }
 
 // Tags, albums, paths and queues of the deleted photos stay, on purpose.
@@ -54,7 +56,8 @@ bool Deletion::DeletePhotosAndRelations(const CStringArray& guids, CRkCallback p
 }
 
 bool Deletion::DeletePhotosAndRelations(const char* guid, CRkCallback progress) {
-  return DeletePhotosAndRelations(CStringArray{guid}, progress);
+  return m_db->ForOne(
+      guid, [&](const CStringArray& one) { return DeletePhotosAndRelations(one, progress); });
 }
 
 }  // namespace vdstomgr::catalogue

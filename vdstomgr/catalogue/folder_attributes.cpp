@@ -42,12 +42,14 @@ int FirstAnswer(std::atomic<int>& kept, Count count) {
 }  // namespace
 
 bool FolderAttributes::SetFolderPassword(DWORD id, int secure, const char* password) {
-  return SetFolderPassword(CDWordArray{id}, secure, password);
+  return m_db->ForOne(
+      id, [&](const CDWordArray& one) { return SetFolderPassword(one, secure, password); });
 }
 
 bool FolderAttributes::SetFolderPassword(DWORD id, int secure, const char* password,
                                          const char* setter) {
-  return SetFolderPassword(CDWordArray{id}, secure, password, setter);
+  return m_db->ForOne(
+      id, [&](const CDWordArray& one) { return SetFolderPassword(one, secure, password, setter); });
 }
 
 bool FolderAttributes::SetFolderPassword(const CDWordArray& ids, int secure, const char* password) {
@@ -69,7 +71,7 @@ bool FolderAttributes::SetFolderPassword(const CDWordArray& ids, int secure, con
 }
 
 bool FolderAttributes::SetSharedOption(DWORD id, int shared) {
-  return SetSharedOption(CDWordArray{id}, shared);
+  return m_db->ForOne(id, [&](const CDWordArray& one) { return SetSharedOption(one, shared); });
 }
 
 bool FolderAttributes::SetSharedOption(const CDWordArray& ids, int shared) {
@@ -221,7 +223,7 @@ int FolderAttributes::GetAllFolderListForPhotoCount(FolderArray& folders) {
 }
 
 int FolderAttributes::SetLastFolderDBSyncTime(std::int32_t time) {
-  SetVersionInfo(kSyncTime, CUtilityLib::GetTime(time));
+  m_db->Guarded([&] { SetVersionInfo(kSyncTime, CUtilityLib::GetTime(time)); });
   return 1;
 }
 
@@ -231,7 +233,7 @@ int FolderAttributes::GetLastFolderDBSyncTime(std::int32_t& time) {
 }
 
 int FolderAttributes::SetLastFolderDBRefreshTime(std::int32_t time) {
-  SetVersionInfo(kRefreshTime, CUtilityLib::GetTime(time));
+  m_db->Guarded([&] { SetVersionInfo(kRefreshTime, CUtilityLib::GetTime(time)); });
   return 1;
 }
 
@@ -244,7 +246,7 @@ int FolderAttributes::GetFolderListForNewFileList(FolderArray& folders, std::int
   m_db->Guarded([&] {
     FoldersOf(*m_db).Append(m_db->Select("SELECT * FROM FolderInfo WHERE szIModifiedDate >= '%s' "
                                          "order by szIModifiedDate desc",
-                                         CUtilityLib::ConvertTimeForDB(time)),
+                                         DateText{time}),
                             folders);
   });
   return folders.GetSize();

@@ -2,7 +2,6 @@
 
 #include "vdstomgr/catalogue/folder_steps.h"
 #include "vdstomgr/catalogue/folders.h"
-#include "vdstomgr/platform/utility/utility_lib.h"
 #include "vdstomgr/session/stale_at_exit.h"
 
 namespace vdstomgr::catalogue {
@@ -101,17 +100,17 @@ bool Folders::RenameFolder(DWORD id, const char* name, const char* desc) {
 bool Folders::UpdateFolderModifiedDate(DWORD id, std::int32_t time) {
   const StaleAtExit change(m_csDAO, m_bFolderChanged);
   return m_db->Execute("UPDATE FolderInfo SET szModifiedDate = '%s' WHERE dwFolderID = %d",
-                       CUtilityLib::ConvertTimeForDB(time), id);
+                       DateText{time}, id);
 }
 
 bool Folders::UpdateFolderIModifiedDate(DWORD id, std::int32_t time) {
   const StaleAtExit change(m_csDAO, m_bFolderChanged);
   return m_db->Execute("UPDATE FolderInfo SET szIModifiedDate = '%s' WHERE dwFolderID = %d",
-                       CUtilityLib::ConvertTimeForDB(time), id);
+                       DateText{time}, id);
 }
 
 bool Folders::MoveFolder(DWORD id, DWORD new_parent) {
-  return MoveFolder(CDWordArray{id}, new_parent);
+  return m_db->ForOne(id, [&](const CDWordArray& one) { return MoveFolder(one, new_parent); });
 }
 
 bool Folders::MoveFolder(const CDWordArray& ids, DWORD new_parent) {
@@ -121,7 +120,7 @@ bool Folders::MoveFolder(const CDWordArray& ids, DWORD new_parent) {
 }
 
 bool Folders::DeleteFolderInfo(DWORD id) {
-  return DeleteFolderInfo(CDWordArray{id});
+  return m_db->ForOne(id, [&](const CDWordArray& one) { return DeleteFolderInfo(one); });
 }
 
 bool Folders::DeleteFolderInfo(const CDWordArray& ids) {

@@ -63,7 +63,7 @@ bool PhotoAttributes::SetRelativeRotate(const CStringArray& guids, BYTE turns) {
 }
 
 bool PhotoAttributes::SetTitle(const char* guid, const char* title) {
-  return SetTitle(CStringArray{guid}, title);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return SetTitle(one, title); });
 }
 
 bool PhotoAttributes::SetTitle(const CStringArray& guids, const char* title) {
@@ -73,7 +73,7 @@ bool PhotoAttributes::SetTitle(const CStringArray& guids, const char* title) {
 }
 
 bool PhotoAttributes::SetFileName(const char* guid, const char* name) {
-  return SetFileName(CStringArray{guid}, name);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return SetFileName(one, name); });
 }
 
 bool PhotoAttributes::SetFileName(const CStringArray& guids, const char* name) {
@@ -83,7 +83,7 @@ bool PhotoAttributes::SetFileName(const CStringArray& guids, const char* name) {
 }
 
 bool PhotoAttributes::SetDesc(const char* guid, const char* desc) {
-  return SetDesc(CStringArray{guid}, desc);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return SetDesc(one, desc); });
 }
 
 bool PhotoAttributes::SetDesc(const CStringArray& guids, const char* desc) {
@@ -93,17 +93,17 @@ bool PhotoAttributes::SetDesc(const CStringArray& guids, const char* desc) {
 }
 
 bool PhotoAttributes::SetShootDate(const char* guid, std::int32_t time) {
-  return SetShootDate(CStringArray{guid}, time);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return SetShootDate(one, time); });
 }
 
 bool PhotoAttributes::SetShootDate(const CStringArray& guids, std::int32_t time) {
   return m_db->ExecuteForEach(
       guids, "UPDATE PhotoMaster SET szShootDate = '%s', byteInfoSync = 1 WHERE szGUID = '%s'",
-      CUtilityLib::GetTime(time), kEachGuid);
+      DateText{time}, kEachGuid);
 }
 
 bool PhotoAttributes::SetShooter(const char* guid, const char* shooter) {
-  return SetShooter(CStringArray{guid}, shooter);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return SetShooter(one, shooter); });
 }
 
 bool PhotoAttributes::SetShooter(const CStringArray& guids, const char* shooter) {
@@ -125,7 +125,7 @@ bool PhotoAttributes::SetFlag(const CStringArray& guids, int bit, bool on) {
 }
 
 bool PhotoAttributes::SetFolder(const char* guid, DWORD folder) {
-  return SetFolder(CStringArray{guid}, folder);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return SetFolder(one, folder); });
 }
 
 bool PhotoAttributes::SetFolder(const CStringArray& guids, DWORD folder) {
@@ -134,7 +134,7 @@ bool PhotoAttributes::SetFolder(const CStringArray& guids, DWORD folder) {
 }
 
 bool PhotoAttributes::SetPublic(const char* guid, BYTE is_public) {
-  return SetPublic(CStringArray{guid}, is_public);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return SetPublic(one, is_public); });
 }
 
 bool PhotoAttributes::SetPublic(const CStringArray& guids, BYTE is_public) {
@@ -143,7 +143,7 @@ bool PhotoAttributes::SetPublic(const CStringArray& guids, BYTE is_public) {
 }
 
 bool PhotoAttributes::SetCameraModel(const char* guid, const char* model) {
-  return SetCameraModel(CStringArray{guid}, model);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return SetCameraModel(one, model); });
 }
 
 bool PhotoAttributes::SetCameraModel(const CStringArray& guids, const char* model) {
@@ -152,7 +152,7 @@ bool PhotoAttributes::SetCameraModel(const CStringArray& guids, const char* mode
 }
 
 bool PhotoAttributes::SetCameraLens(const char* guid, const char* lens) {
-  return SetCameraLens(CStringArray{guid}, lens);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return SetCameraLens(one, lens); });
 }
 
 bool PhotoAttributes::SetCameraLens(const CStringArray& guids, const char* lens) {
@@ -167,7 +167,7 @@ bool PhotoAttributes::SetUploadEnd(const char* guid, BYTE end) {
 }
 
 bool PhotoAttributes::SetLinkUrl(const char* guid, BYTE link) {
-  return SetLinkUrl(CStringArray{guid}, link);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return SetLinkUrl(one, link); });
 }
 
 bool PhotoAttributes::SetLinkUrl(const CStringArray& guids, BYTE link) {
@@ -176,7 +176,7 @@ bool PhotoAttributes::SetLinkUrl(const CStringArray& guids, BYTE link) {
 }
 
 bool PhotoAttributes::DeletePhoto(const char* guid) {
-  return DeletePhoto(CStringArray{guid});
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return DeletePhoto(one); });
 }
 
 bool PhotoAttributes::DeletePhoto(const CStringArray& guids) {

@@ -102,10 +102,12 @@ int Photos::GetPhotoCountInFolders(CountArray& out) {
 }
 
 int Photos::GetPhotoCountInFolders(const CDWordArray& folders, CountArray& out) {
-  return m_db->AskRecords(out, kCountColumns,
-                          "SELECT dwFolderID, COUNT(dwFolderID) as Count FROM PhotoMaster "
-                          "WHERE dwFolderID IN (%s) GROUP BY dwFolderID",
-                          IdList(folders));
+  return m_db->Guarded(0, [&] {
+    return m_db->AskRecords(out, kCountColumns,
+                            "SELECT dwFolderID, COUNT(dwFolderID) as Count FROM PhotoMaster "
+                            "WHERE dwFolderID IN (%s) GROUP BY dwFolderID",
+                            IdList(folders));
+  });
 }
 
 CString Photos::GetEditSaveFileName(const char* file_name, DWORD folder) {

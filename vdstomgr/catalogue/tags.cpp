@@ -97,7 +97,7 @@ int Tags::GetTagListAndCount(TagCountArray& out) {
 }
 
 bool Tags::AddTag(const char* guid, DWORD tag, bool bSync) {
-  return AddTag(CStringArray{guid}, tag, bSync);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return AddTag(one, tag, bSync); });
 }
 
 bool Tags::AddTag(const CStringArray& guids, DWORD tag, bool bSync) {
@@ -111,7 +111,7 @@ bool Tags::AddTag(const CStringArray& guids, DWORD tag, bool bSync) {
 }
 
 bool Tags::RemoveTag(const char* guid, DWORD tag) {
-  return RemoveTag(CStringArray{guid}, tag);
+  return m_db->ForOne(guid, [&](const CStringArray& one) { return RemoveTag(one, tag); });
 }
 
 bool Tags::RemoveTag(const CStringArray& guids, DWORD tag) {
@@ -128,7 +128,7 @@ bool Tags::IsTagged(const char* guid, DWORD tag) {
 }
 
 void Tags::RemoveAllTagByGUID(const char* guid, bool bSync) {
-  RemoveAllTagByGUID(CStringArray{guid}, bSync);
+  m_db->Guarded([&] { RemoveAllTagByGUID(CStringArray{guid}, bSync); });
 }
 
 void Tags::RemoveAllTagByGUID(const CStringArray& guids, bool bSync) {

@@ -164,6 +164,15 @@ class DatabaseSession : public GuardedDatabase {
       return true;
     });
   }
+  /// The single form of an operation on lists: `twin` is given a list of the one item.
+  template <class Twin>
+  bool ForOne(const char* guid, Twin&& twin) {
+    return Guarded(false, [&] { return twin(CStringArray{guid}); });
+  }
+  template <class Twin>
+  bool ForOne(DWORD id, Twin&& twin) {
+    return Guarded(false, [&] { return twin(CDWordArray{id}); });
+  }
   /// Runs a statement for every item, which stands where the arguments say kEachGuid or kEachId; a
   /// statement that fails says nothing.
   template <class... Arguments>

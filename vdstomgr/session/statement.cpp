@@ -3,6 +3,8 @@
 #include <cassert>
 #include <charconv>
 
+#include "vdstomgr/platform/utility/utility_lib.h"
+
 namespace vdstomgr {
 
 namespace {
@@ -37,6 +39,9 @@ void SqlArgument::AppendTo(std::string& statement) const {
       return AppendQuoted(statement, text_);
     case Kind::Raw:
       statement.append(text_);
+      return;
+    case Kind::Date:
+      statement.append(CUtilityLib::GetTime(number_).Str());
       return;
     case Kind::Item:
       assert(!"an item's place in a statement that is run without a list");

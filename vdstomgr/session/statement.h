@@ -22,6 +22,11 @@ struct Raw {
   std::string_view text;
 };
 
+/// A time in seconds since 1970 as the 19 characters that date columns hold.
+struct DateText {
+  std::int32_t time;
+};
+
 /// The numbers of an IN list, signed and without blanks: 1,-10,3
 class IdList {
  public:
@@ -63,6 +68,7 @@ class SqlArgument {
   SqlArgument(Raw raw) : kind_(Kind::Raw), text_(raw.text) {}
   SqlArgument(const IdList& list) : SqlArgument(Raw(list)) {}
   SqlArgument(const GuidList& list) : SqlArgument(Raw(list)) {}
+  SqlArgument(DateText date) : kind_(Kind::Date), number_(date.time) {}
   SqlArgument(EachGuid) : kind_(Kind::Item) {}
   SqlArgument(EachId) : kind_(Kind::Item) {}
 
@@ -73,7 +79,7 @@ class SqlArgument {
   void AppendTo(std::string& statement) const;
 
  private:
-  enum class Kind : std::uint8_t { Number, Quoted, Raw, Item };
+  enum class Kind : std::uint8_t { Number, Quoted, Raw, Date, Item };
 
   Kind kind_;
   std::int32_t number_ = 0;
