@@ -79,7 +79,8 @@ TEST_F(ImportTest, NamesThatDifferInCaseOrCompositionStayApart) {
   EXPECT_EQ(Counts(Import()), "0 0 7");
   EXPECT_EQ(Photos(), before);
   const Outcome info = Vdsto({"info", Pictures(decomposed + "/" + decomposed + ".jpg")});
-  EXPECT_EQ(info.Json(), before.at(Pictures(decomposed + "/" + decomposed + ".jpg")));
+  EXPECT_EQ(info.Json()["guid"],
+            before.at(Pictures(decomposed + "/" + decomposed + ".jpg"))["guid"]);
 }
 
 TEST_F(ImportTest, SubFoldersAndParentsOfAnImportAreFoundAgain) {
