@@ -58,8 +58,8 @@ Command& Command::OptionalWord(const char* name, std::string& value, const char*
   return *this;
 }
 
-Command& Command::Words(const char* name, std::vector<std::string>& values,
-                        const std::string& help) {
+Command& Command::Words(const char* name, std::vector<std::string>& values, const std::string& help,
+                        bool is_required) {
   app_.add_option_function<std::vector<std::string>>(
           name,
           [&values](const std::vector<std::string>& words) {
@@ -68,7 +68,7 @@ Command& Command::Words(const char* name, std::vector<std::string>& values,
           },
           help)
       ->type_name("")
-      ->required();
+      ->required(is_required);
   return *this;
 }
 
@@ -135,6 +135,30 @@ Command& Command::Names(WordList& words, const std::string& what) {
   return List(words, "NAME", what + ", or - for a list on standard input");
 }
 
+Command& Command::TrashedPhotos(TrashWords& words, bool is_required) {
+  return List(words, "PHOTO", "The photos in the trash, named as said below", is_required);
+}
+
+Command& Command::NewFolders(WordList& paths) {
+  return List(paths, "FOLDER", "Catalogue paths of the folders, or - for a list on standard input");
+}
+
+Command& Command::NewNames(WordList& names) {
+  return List(names, "NAME", "What to create, or - for a list on standard input");
+}
+
+Command& Command::Rooms(WordList& names) {
+  return List(names, "ROOM", "The rooms' names, or - for a list on standard input");
+}
+
+Command& Command::Albums(WordList& paths) {
+  return List(paths, "ALBUM", "The albums, or - for a list on standard input");
+}
+
+Command& Command::SourcesAndTarget(WordList& words) {
+  return List(words, "SOURCE... TARGET", "What to move, and where to, as said below");
+}
+
 Command& Command::Change(ChangeOptions& options) {
   return Flag("-n,--dry-run", options.dry_run, "Only tell what would change");
 }
@@ -143,8 +167,9 @@ Command& Command::FinalChange(ChangeOptions& options) {
   return Change(options).Flag("-y,--yes", options.yes, "Do not ask");
 }
 
-Command& Command::List(WordList& list, const char* name, const std::string& help) {
-  return Words(name, list.words, help)
+Command& Command::List(WordList& list, const char* name, const std::string& help,
+                       bool is_required) {
+  return Words(name, list.words, help, is_required)
       .Flag("-0,--null", list.ends_with_zero,
             "With -: each name ends with a zero byte, as from find -print0");
 }

@@ -6,6 +6,7 @@
 
 #include "tools/vdsto/selection/folder_selection.h"
 #include "tools/vdsto/selection/photo_selection.h"
+#include "tools/vdsto/selection/trash_selection.h"
 #include "tools/vdsto/tool_error.h"
 
 namespace CLI {
@@ -28,8 +29,9 @@ class Command {
   /// One word that must be given; `name` stands for it in the help.
   Command& Word(const char* name, std::string& value, const char* help);
   Command& OptionalWord(const char* name, std::string& value, const char* help);
-  /// One word or more.
-  Command& Words(const char* name, std::vector<std::string>& values, const std::string& help);
+  /// One word or more; none is enough unless `is_required`.
+  Command& Words(const char* name, std::vector<std::string>& values, const std::string& help,
+                 bool is_required = true);
   /// A word that is a whole number between `least` and `most`.
   Command& Number(const char* name, int& value, int least, int most, const char* help);
   /// An option with a value, "-o,--output"; `type` stands for the value in the help.
@@ -49,13 +51,23 @@ class Command {
   Command& Tags(WordList& words);
   /// Names of something that may be new.
   Command& Names(WordList& words, const std::string& what);
+  /// Photos in the trash; unless `is_required`, none means all.
+  Command& TrashedPhotos(TrashWords& words, bool is_required);
+  /// Catalogue paths of folders that may not be there yet.
+  Command& NewFolders(WordList& paths);
+  /// Rooms or albums: those that are to be, and those that are there.
+  Command& NewNames(WordList& names);
+  Command& Rooms(WordList& names);
+  Command& Albums(WordList& paths);
+  /// What to move, and the last word where to.
+  Command& SourcesAndTarget(WordList& words);
   /// --dry-run, for commands that carry out a ChangePlan.
   Command& Change(ChangeOptions& options);
   /// The same and --yes, for commands that ask before they delete for good.
   Command& FinalChange(ChangeOptions& options);
 
  private:
-  Command& List(WordList& list, const char* name, const std::string& help);
+  Command& List(WordList& list, const char* name, const std::string& help, bool is_required = true);
 
   CLI::App& app_;
 };

@@ -21,5 +21,6 @@ void AddSync(CommandGroup& tool);
 void AddNotify(CommandGroup& tool);
 void AddStat(CommandGroup& tool);
 void AddStore(CommandGroup& tool);
+void AddTrash(CommandGroup& tool);
 
 }  // namespace vdsto

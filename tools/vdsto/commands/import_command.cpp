@@ -12,7 +12,8 @@ namespace {
 
 constexpr const char* kNotes =
     R"(Running it again brings the catalogue up to date: unchanged files are passed over, changed ones
-updated, missing thumbnails made. Names that begin with a dot are passed over; links to folders are
+updated, missing thumbnails made. A photo that was moved stays where it is, and one in the trash is left
+alone; only a file whose path is too long to be stored is looked for in its own folder alone. Names that begin with a dot are passed over; links to folders are
 followed unless they lead into or above the imported tree. Folders without pictures are not mirrored. When
 some of the folders cannot be read, the others are imported and the exit code is 9.)";
 
@@ -33,7 +34,9 @@ std::string Sentence(const ImportSummary& summary) {
   return (summary.interrupted ? "Interrupted: " : "") + Counted(summary.Pictures(), "picture") +
          " in " + seconds + ": " + std::to_string(summary.added) + " added, " +
          std::to_string(summary.updated) + " updated, " + std::to_string(summary.unchanged) +
-         " unchanged; " + Counted(summary.folders_created, "new folder") + "; " +
+         " unchanged" +
+         (summary.in_trash > 0 ? ", " + std::to_string(summary.in_trash) + " in the trash" : "") +
+         "; " + Counted(summary.folders_created, "new folder") + "; " +
          Counted(summary.not_pictures, "other file") + " and " + std::to_string(summary.hidden) +
          " hidden skipped";
 }
@@ -43,6 +46,7 @@ Facts Describe(const ImportSummary& summary) {
   facts.ForPrograms("added", summary.added)
       .ForPrograms("updated", summary.updated)
       .ForPrograms("unchanged", summary.unchanged)
+      .ForPrograms("in_trash", summary.in_trash)
       .ForPrograms("folders_created", summary.folders_created)
       .ForPrograms("not_pictures", summary.not_pictures)
       .ForPrograms("hidden", summary.hidden);

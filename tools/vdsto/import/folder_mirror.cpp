@@ -40,8 +40,19 @@ FolderMirror::FolderMirror(Library& library) : library_(library) {
   ReadFolders();
   for (const FolderId top : ChildrenOf(vdstomgr::kPersonalRoot)) {
     if (const std::string source = MainSource(top, kFoldersAsked); !source.empty()) {
-      roots_.emplace_back(source, top);
+      AddRoot(source, top);
     }
+  }
+}
+
+/// A folder that the user has filled with photos of a mirrored one does not take its place.
+void FolderMirror::AddRoot(const std::string& source, FolderId folder) {
+  const auto same = std::find_if(roots_.begin(), roots_.end(),
+                                 [&](const auto& root) { return root.first == source; });
+  if (same == roots_.end()) {
+    roots_.emplace_back(source, folder);
+  } else if (folders_.at(folder).name == CatalogueName(source)) {
+    same->second = folder;
   }
 }
 

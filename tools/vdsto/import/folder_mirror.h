@@ -45,6 +45,7 @@ class FolderMirror {
   enum class Evidence { kNone, kOther, kMatches };
 
   void ReadFolders();
+  void AddRoot(const std::string& source, FolderId folder);
   void Remember(FolderId id, FolderId parent, std::string name);
   std::optional<FolderId> FindLocked(const std::string& source);
   std::optional<FolderId> FindChild(FolderId parent, const std::string& source);

@@ -17,6 +17,7 @@ struct ImportSummary {
   uint64_t added = 0;
   uint64_t updated = 0;
   uint64_t unchanged = 0;
+  uint64_t in_trash = 0;  ///< files of photos in the trash, left alone
   uint64_t not_pictures = 0;
   uint64_t hidden = 0;  ///< files and folders whose name begins with a dot
   uint64_t folders_created = 0;

@@ -14,6 +14,7 @@
 #include "tools/vdsto/import/bounded_queue.h"
 #include "tools/vdsto/import/folder_mirror.h"
 #include "tools/vdsto/import/interruption.h"
+#include "tools/vdsto/import/moved_photos.h"
 #include "tools/vdsto/import/photo_writer.h"
 #include "tools/vdsto/import/progress.h"
 #include "tools/vdsto/import/source_walk.h"
@@ -58,6 +59,7 @@ class Import {
   Import(Library& library, bool quiet)
       : images_(library.Folder()),
         mirror_(library),
+        moved_(library),
         writer_(library, images_, mirror_, summary_),
         progress_(quiet),
         walk_([this](auto& root, auto& folder, auto& files) {
@@ -103,8 +105,11 @@ class Import {
     const auto rows = id ? mirror_.Rows(*id) : nullptr;
     for (const SourceEntry& file : files) {
       const KnownFile* known = rows ? rows->Find(file.path) : nullptr;
-      if (known && IsUpToDate(*known, file)) {
-        ++unchanged_;
+      const auto moved = known ? std::nullopt : moved_.Find(file.path);
+      if (moved) known = &moved->file;
+      const bool is_in_trash = moved && moved->is_in_trash;
+      if (is_in_trash || (known && IsUpToDate(*known, file))) {
+        ++(is_in_trash ? in_trash_ : unchanged_);
         continue;
       }
       ++found_;
@@ -162,6 +167,7 @@ class Import {
 
   void Finish(const ImportRoots& roots) {
     summary_.unchanged = unchanged_;
+    summary_.in_trash = in_trash_;
     summary_.hidden = walk_.Hidden();
     for (const auto& remarks : {roots.unreadable, walk_.Unreadable()})
       summary_.unreadable.insert(summary_.unreadable.end(), remarks.begin(), remarks.end());
@@ -180,6 +186,7 @@ class Import {
 
   ImageStore images_;
   FolderMirror mirror_;
+  MovedPhotos moved_;  // the walker's, until it ends
   ImportSummary summary_;
   PhotoWriter writer_;
   Progress progress_;
@@ -188,6 +195,7 @@ class Import {
   std::atomic<unsigned> probers_left_{0};
   std::atomic<uint64_t> found_{0};
   std::atomic<uint64_t> unchanged_{0};
+  std::atomic<uint64_t> in_trash_{0};
   uint64_t done_ = 0;
   SourceWalk walk_;                // the walker's, until it ends
   std::exception_ptr walk_error_;  // the walker's, until it ends
