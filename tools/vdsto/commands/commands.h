@@ -22,5 +22,7 @@ void AddNotify(CommandGroup& tool);
 void AddStat(CommandGroup& tool);
 void AddStore(CommandGroup& tool);
 void AddTrash(CommandGroup& tool);
+void AddMakeFolder(CommandGroup& tool);
+void AddMove(CommandGroup& tool);
 
 }  // namespace vdsto
