@@ -24,5 +24,6 @@ void AddStore(CommandGroup& tool);
 void AddTrash(CommandGroup& tool);
 void AddMakeFolder(CommandGroup& tool);
 void AddMove(CommandGroup& tool);
+void AddFolder(CommandGroup& tool);
 
 }  // namespace vdsto
