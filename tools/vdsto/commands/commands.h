@@ -25,5 +25,7 @@ void AddTrash(CommandGroup& tool);
 void AddMakeFolder(CommandGroup& tool);
 void AddMove(CommandGroup& tool);
 void AddFolder(CommandGroup& tool);
+void AddRoom(CommandGroup& tool);
+void AddAlbum(CommandGroup& tool);
 
 }  // namespace vdsto
