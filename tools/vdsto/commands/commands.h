@@ -27,5 +27,6 @@ void AddMove(CommandGroup& tool);
 void AddFolder(CommandGroup& tool);
 void AddRoom(CommandGroup& tool);
 void AddAlbum(CommandGroup& tool);
+void AddReset(CommandGroup& tool);
 
 }  // namespace vdsto
