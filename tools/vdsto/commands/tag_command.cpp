@@ -6,6 +6,7 @@
 #include "tools/vdsto/cli/invocation.h"
 #include "tools/vdsto/cli/photo_text.h"
 #include "tools/vdsto/commands/commands.h"
+#include "tools/vdsto/library/trash_bin.h"
 #include "tools/vdsto/selection/catalogue_path.h"
 #include "tools/vdsto/selection/tags.h"
 #include "tools/vdsto/text/text.h"
@@ -268,7 +269,8 @@ struct TagPhotos {
     Table table = PhotoTable();
     for (const CString& guid : PhotosWithTag(library, TagNamed(library, tag).dwTagID)) {
       const auto photo = library.Photo(guid.Str());
-      if (!photo) continue;  // a link that outlived its photo
+      // Links outlive their photos, and those in the trash are shown by vdsto trash ls.
+      if (!photo || IsTrashFolder(photo->dwFolderID)) continue;
       list.push_back(PhotoAsJson(*photo, paths.NameOf(photo->dwFolderID)));
       AddPhoto(*photo, paths.NameOf(*photo), table);
     }

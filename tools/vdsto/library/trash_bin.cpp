@@ -91,13 +91,8 @@ void TakeOutOfTrash(Library& library, const std::string& guid, uint32_t folder) 
 
 void DeleteForGood(Library& library, const CStringArray& guids) {
   library.Call([&](auto& catalogue) {
-    catalogue.RemoveAllTagByGUID(guids, true);
-    catalogue.RemoveAllAlbumByGUID(guids);
-    for (const CString& guid : guids) {
-      catalogue.DelRP(guid);
-      catalogue.DelOP(guid);
-    }
-    return catalogue.DeletePhoto(guids) && catalogue.DeleteTrashPhoto(guids, nullptr);
+    return catalogue.DeletePhotosAndRelations(guids, nullptr) &&
+           catalogue.DeleteTrashPhoto(guids, nullptr);
   });
 }
 

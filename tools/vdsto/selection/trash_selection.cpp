@@ -8,6 +8,7 @@
 #include "tools/vdsto/selection/name_pattern.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
+#include "tools/vdsto/tool_error.h"
 
 namespace vdsto {
 namespace {
