@@ -43,15 +43,14 @@ std::shared_ptr<const Plan> StatementCache::FindPlan(std::string_view key) const
 void StatementCache::Adopt(std::string_view key, Statement& statement) {
   assert(statement.home_.expired());
   if (shapes_.size() >= kMostShapes) EvictOldest();
-  const auto [place, added] = shapes_.try_emplace(std::string(key));
-  Shape& shape = place->second;
-  if (added) {
-    shape.plan = statement.plan_;
-    shape.idle = std::make_shared<std::vector<StatementHandle>>();
+  auto place = shapes_.find(key);
+  if (place == shapes_.end()) {  // a shape is whole before the cache knows it
+    Shape shape{statement.plan_, std::make_shared<std::vector<StatementHandle>>()};
     shape.idle->reserve(kMostIdlePerShape);
+    place = shapes_.emplace(std::string(key), std::move(shape)).first;
   }
-  shape.last_use = ++use_count_;
-  statement.home_ = shape.idle;
+  place->second.last_use = ++use_count_;
+  statement.home_ = place->second.idle;
 }
 
 // Drops the older half at once, so that the search for the oldest is paid for rarely.
