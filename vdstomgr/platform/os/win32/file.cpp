@@ -272,8 +272,8 @@ class WindowsFileSystem final : public FileSystem {
       return {};
     }
     switch (GetLastError()) {
-      case ERROR_FILE_NOT_FOUND:
-        kind = NameKind::missing;
+      case ERROR_FILE_NOT_FOUND:  // no file can be made under a name that ends as a folder's does
+        kind = path.ends_with('/') || path.ends_with('\\') ? NameKind::nowhere : NameKind::missing;
         return {};
       case ERROR_PATH_NOT_FOUND:
       case ERROR_INVALID_NAME:
