@@ -44,6 +44,8 @@ TEST_F(CommandTest, HelpVersionAndUnknownWords) {
       {{"--nosuch", "--version"}, 2, "unknown option '--nosuch' (see vdsto --help)"},
       {{"tree", "--nosuch"}, 2, "unknown option '--nosuch' (see vdsto tree --help)"},
       {{"ls", "a", "[b]"}, 2, "unexpected word '[b]' (see vdsto ls --help)"},
+      {{"ls", "a\x1b[2J", "-x\n"}, 2, "unknown option '-x\\x0A'"},
+      {{"--library", "/a\nb", "tree"}, 3, "no catalogue in /a\\x0Ab yet"},
       {{"store"}, 2, "a command is missing (see vdsto store --help)"},
       {{"--library"}, 2, "--library: 1 required DIR missing"},
       {{"rate", "6", "a.jpg"}, 2, "RATING is a number from 0 to 5, not '6'"},
@@ -107,7 +109,7 @@ TEST_F(CommandTest, NamesOfNothingAreToldAndNothingChanges) {
   } cases[] = {
       {{"x.jpg", "nope"}, 6, "no photo nope in the catalogue: vdsto ls"},
       {{"[no]", "{}", "++", "n", "m"}, 6, "no photos [no], {}, ++ and more in the catalogue"},
-      {{"a.jpg"}, 6, "2 photos are named a.jpg: pictures/가족/a.jpg, pictures/가족/2024/a.jpg"},
+      {{"a.jpg"}, 6, "2 photos are named a.jpg: pictures/가족/2024/a.jpg, pictures/가족/a.jpg"},
       {{"pictures/가*"}, 6, "no photo pictures/가*, but 1 folder: end it with /"},
       {{"pictures/나*/"}, 6, "no photo pictures/나*/ in"},
       {{"x.jpg", ""}, 2, "a name is empty"},
@@ -142,15 +144,11 @@ TEST_F(CommandTest, RatingsAreSetAndSummedUp) {
                           {"dry_run", false},
                           {"photos", {photos.at(Pictures("x.jpg"))["guid"]}}}));
   EXPECT_EQ(Counts(Import()), "0 0 5");
-  CRkPhotoDBManager catalogue;
-  ASSERT_TRUE(catalogue.OpenDB(Catalogue().c_str(), ""));
-  PHOTOINFO photo;
-  const std::string guid = photos.at(Pictures("가족/a.jpg"))["guid"];
-  ASSERT_TRUE(catalogue.GetPhotoInfo(guid.c_str(), photo));
-  EXPECT_EQ(photo.InfoSync, 1) << "a change is to be sent";
-  photo.SetFolderID(vdstomgr::kPersonalRoot);
-  ASSERT_TRUE(catalogue.SetPhotoInfo(photo, false));
-  EXPECT_EQ(Vdsto({"info", Pictures("가족/a.jpg")}).Json()["guid"], guid)
+  EditPhoto(Pictures("가족/a.jpg"), [](PHOTOINFO& photo) {
+    EXPECT_EQ(photo.InfoSync, 1) << "a change is to be sent";
+    photo.SetFolderID(vdstomgr::kPersonalRoot);
+  });
+  EXPECT_EQ(Vdsto({"info", Pictures("가족/a.jpg")}).Json()["name"], "a.jpg")
       << "a photo that was moved in the catalogue still knows its file";
 }
 

@@ -47,6 +47,17 @@ class ImportTest : public testing::Test {
     return photos;
   }
 
+  /// Changes the row of the photo made from `original` behind the program's back.
+  void EditPhoto(const std::string& original, const std::function<void(PHOTOINFO&)>& edit) const {
+    const std::string guid = Photos().at(original)["guid"];
+    CRkPhotoDBManager catalogue;
+    PHOTOINFO photo;
+    ASSERT_TRUE(catalogue.OpenDB(Catalogue().c_str(), ""));
+    ASSERT_TRUE(catalogue.GetPhotoInfo(guid.c_str(), photo));
+    edit(photo);
+    EXPECT_TRUE(catalogue.SetPhotoInfo(photo, false));
+  }
+
   static std::string Counts(const json& summary) {
     return summary["added"].dump() + " " + summary["updated"].dump() + " " +
            summary["unchanged"].dump();

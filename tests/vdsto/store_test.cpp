@@ -33,6 +33,24 @@ class StoreTest : public ImportTest {
     EXPECT_EQ(outcome.out, "");
   }
 
+  /// All that must not be written over, and ways to it.
+  void PlaceTargets() const {
+    fs::rename(Pictures("gone.jpg"), temp_ / "gone.jpg");
+    fs::create_symlink(Pictures(), temp_ / "link");
+    fs::create_symlink(Pictures("a.jpg"), temp_ / "link.jpg");
+    fs::create_symlink("nowhere", temp_ / "dangling.jpg");
+    fs::create_hard_link(Pictures("a.jpg"), temp_ / "hard.jpg");
+    fs::create_hard_link(Catalogue(), temp_ / "hard.vdb");
+    WriteFile(temp_ / "locked/other.jpg", "mine");
+    fs::permissions(temp_ / "locked", fs::perms::owner_read | fs::perms::owner_exec);
+    WriteFile(temp_ / "kept.jpg", "mine");
+    fs::permissions(temp_ / "kept.jpg", fs::perms::owner_read);
+    EditPhoto(Pictures("moved.jpg"), [](PHOTOINFO& photo) {
+      photo.SetFolderID(vdstomgr::kPersonalRoot);
+      photo.SetFileName("renamed.jpg");
+    });
+  }
+
   void ImportThree() const {
     for (const char* name : {"a.jpg", "x/b.png", "y/b.png"}) WritePicture(Pictures(name), 500, 300);
     WriteFile(Pictures("broken.jpg"), "");
@@ -68,15 +86,10 @@ TEST_F(StoreTest, OneImagePerPhotoWhateverHappens) {
 TEST_F(StoreTest, OlderCataloguesAndLostStoresGetTheirThumbnails) {
   ImportThree();
   const auto before = Photos();
-  {
-    CRkPhotoDBManager catalogue;
-    ASSERT_TRUE(catalogue.OpenDB(Catalogue().c_str(), ""));
-    for (const auto& [original, photo] : before) {
-      PHOTOINFO row;
-      ASSERT_TRUE(catalogue.GetPhotoInfo(photo["guid"].get<std::string>().c_str(), row));
+  for (const auto& [original, photo] : before) {
+    EditPhoto(original, [&](PHOTOINFO& row) {
       if (*row.GetLTBURL() != '\0') row.SetLTBURL(original.c_str());
-      EXPECT_TRUE(catalogue.SetPhotoInfo(row, false));
-    }
+    });
   }
   EXPECT_EQ(Counts(Import()), "0 3 1");
   EXPECT_EQ(Photos(), before);
@@ -111,29 +124,7 @@ TEST_F(StoreTest, ThumbNeverWritesOverAPictureOrTheLibrary) {
   WritePicture(Pictures("gone.jpg"));
   WritePicture(Pictures("moved.jpg"));
   Import();
-  fs::rename(Pictures("gone.jpg"), temp_ / "gone.jpg");
-  fs::create_symlink(Pictures(), temp_ / "link");
-  fs::create_symlink(Pictures("a.jpg"), temp_ / "link.jpg");
-  fs::create_symlink("nowhere", temp_ / "dangling.jpg");
-  fs::create_hard_link(Pictures("a.jpg"), temp_ / "hard.jpg");
-  fs::create_hard_link(Catalogue(), temp_ / "hard.vdb");
-  WriteFile(temp_ / "other.jpg", "mine");
-  fs::permissions(temp_ / "other.jpg", fs::perms::owner_all);
-  fs::create_hard_link(temp_ / "other.jpg", temp_ / "mine too.jpg");
-  WriteFile(temp_ / "locked/other.jpg", "mine");
-  fs::permissions(temp_ / "locked", fs::perms::owner_read | fs::perms::owner_exec);
-  WriteFile(temp_ / "kept.jpg", "mine");
-  fs::permissions(temp_ / "kept.jpg", fs::perms::owner_read);
-  {
-    CRkPhotoDBManager catalogue;
-    ASSERT_TRUE(catalogue.OpenDB(Catalogue().c_str(), ""));
-    PHOTOINFO photo;
-    const std::string guid = Photos().at(Pictures("moved.jpg"))["guid"];
-    ASSERT_TRUE(catalogue.GetPhotoInfo(guid.c_str(), photo));
-    photo.SetFolderID(vdstomgr::kPersonalRoot);
-    photo.SetFileName("renamed.jpg");
-    ASSERT_TRUE(catalogue.SetPhotoInfo(photo, false));
-  }
+  PlaceTargets();
   const std::string original = ReadFile(Pictures("a.jpg"));
   const struct {
     std::string target;
@@ -162,9 +153,16 @@ TEST_F(StoreTest, ThumbNeverWritesOverAPictureOrTheLibrary) {
     ExpectRefused({"thumb", "a.jpg", "-o", c.target, "--force"}, c.code, c.message);
     EXPECT_EQ(ReadFile(Pictures("a.jpg")), original);
   }
+  EXPECT_EQ(Vdsto({"store", "verify"}).code, 0);
+}
+
+TEST_F(StoreTest, ThumbReplacesOtherFilesByForceOnly) {
+  ImportThree();
+  WriteFile(temp_ / "other.jpg", "mine");
+  fs::permissions(temp_ / "other.jpg", fs::perms::owner_all);
+  fs::create_hard_link(temp_ / "other.jpg", temp_ / "mine too.jpg");
   ExpectRefused({"thumb", "a.jpg", "-o", temp_ / "other.jpg"}, 8, "exists already: --force");
   EXPECT_EQ(ReadFile(temp_ / "other.jpg"), "mine");
-  EXPECT_EQ(Vdsto({"store", "verify"}).code, 0);
   EXPECT_EQ(Vdsto({"thumb", "a.jpg", "-fo", temp_ / "other.jpg"}).code, 0);
   EXPECT_EQ(ReadFile(temp_ / "other.jpg").substr(0, 2), "\xFF\xD8");
   EXPECT_EQ(fs::status(temp_ / "other.jpg").permissions(), fs::perms::owner_all);

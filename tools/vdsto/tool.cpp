@@ -78,7 +78,7 @@ class CommandLine {
   std::string ChosenName() const {
     std::string name;
     for (const CLI::App* app = &Innermost(); app != nullptr; app = app->get_parent())
-      name = app->get_name() + (name.empty() ? "" : " ") + name;
+      name.insert(0, app->get_name() + (name.empty() ? "" : " "));
     return name;
   }
 
@@ -88,12 +88,12 @@ class CommandLine {
     const auto words = app_.remaining(true);
     const bool lacks_something = dynamic_cast<const CLI::RequiredError*>(&request) != nullptr;
     if (words.empty() && lacks_something && WantsCommand()) return "a command is missing";
-    if (words.empty()) return Printable(WithoutShields(request.what()));
+    if (words.empty()) return WithoutShields(request.what());
     const std::string word = WithoutShields(words.front());
     const char* what = word.starts_with('-') ? "unknown option '"
                        : WantsCommand()      ? "unknown command '"
                                              : "unexpected word '";
-    return what + Printable(word) + "'";
+    return what + word + "'";
   }
 
   CLI::App app_{"vdsto keeps a catalogue of your pictures.", "vdsto"};
@@ -102,7 +102,7 @@ class CommandLine {
 };
 
 int Fail(ExitCode code, const std::string& message) {
-  std::cerr << "vdsto: " << message << std::endl;
+  std::cerr << "vdsto: " << Printable(message) << std::endl;
   return static_cast<int>(code);
 }
 

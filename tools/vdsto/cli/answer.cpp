@@ -56,7 +56,7 @@ void Facts::AddLine(const std::string& key, const Fact& fact) {
     ForPeople(LabelOf(key), fact.text);
     return;
   }
-  for (const auto& [member, value] : fact.json.items()) AddLine(key + ' ' + member, value);
+  for (const auto& [member, value] : fact.json.items()) AddLine((key + ' ').append(member), value);
 }
 
 Json Table::AsJson() const {

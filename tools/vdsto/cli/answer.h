@@ -19,7 +19,7 @@ struct Answer {
 struct Fact {
   /// People see a number as it is, a text made printable, and "-" for nothing.
   template <std::convertible_to<Json> Value>
-  Fact(Value&& content) : Fact(Json(std::forward<Value>(content)), std::string()) {}
+  Fact(Value content) : Fact(Json(std::move(content)), std::string()) {}
   /// People see `text_for_people` instead.
   Fact(Json content, std::string text_for_people);
 

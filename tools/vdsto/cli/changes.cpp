@@ -14,11 +14,11 @@ namespace {
 
 std::string Sentence(const ChangePlan& plan, bool dry_run) {
   const char* verb = dry_run ? " would be " : " ";
-  const std::string text = Counted(plan.changed.size(), plan.noun) + verb + plan.participle;
+  std::string text = Counted(plan.changed.size(), plan.noun) + verb + plan.participle;
   if (plan.unchanged == 0) return text;
   const bool is_one = plan.unchanged == 1;
   const char* state = dry_run ? (is_one ? " is" : " are") : (is_one ? " was" : " were");
-  return text + ", " + std::to_string(plan.unchanged) + " already" + state;
+  return text.append(", " + std::to_string(plan.unchanged) + " already" + state);
 }
 
 Facts Describe(const ChangePlan& plan, bool dry_run) {

@@ -7,7 +7,6 @@
 
 #include <array>
 #include <csignal>
-#include <cstdlib>
 #include <fstream>
 #include <optional>
 #include <string_view>
@@ -127,8 +126,7 @@ std::string AskOnTerminal() {
 
 std::string ReadPassword(const PasswordSource& source) {
   if (source.prompt) return AskOnTerminal();
-  if (source.file.empty())
-    return std::getenv("VDSTO_PASSWORD") ? std::getenv("VDSTO_PASSWORD") : "";
+  if (source.file.empty()) return EnvironmentVariable("VDSTO_PASSWORD");
   std::ifstream file(source.file);
   if (!file)
     throw ToolError(ExitCode::kUsage, "cannot read the password file " + Printable(source.file));

@@ -37,7 +37,7 @@ struct ProbeResult {
 
 /// Fails when nothing in the folder can be read.
 std::string ReadableFolder(const std::string& folder, std::error_code& error) {
-  const std::string path = std::filesystem::canonical(folder, error).string();
+  std::string path = std::filesystem::canonical(folder, error).string();
   if (!error) std::filesystem::directory_iterator(path, error);
   if (!error && access(path.c_str(), X_OK) != 0) error.assign(errno, std::generic_category());
   return path;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <system_error>
@@ -10,6 +9,7 @@
 #include "tools/vdsto/library/finished_file.h"
 #include "tools/vdsto/library/import_lock.h"
 #include "tools/vdsto/text/source_location.h"
+#include "tools/vdsto/text/text.h"
 #include "tools/vdsto/tool_error.h"
 
 namespace vdsto {
@@ -70,12 +70,12 @@ bool Exists(const std::string& path) {
 }  // namespace
 
 std::string DefaultLibraryFolder() {
-  const auto variable = [](const char* name) {
-    return std::string(std::getenv(name) ? std::getenv(name) : "");
-  };
-  if (const auto folder = variable("VDSTO_LIBRARY"); !folder.empty()) return folder;
-  if (const auto data = variable("XDG_DATA_HOME"); !data.empty()) return Joined(data, "vdsto");
-  if (const auto home = variable("HOME"); !home.empty()) return Joined(home, ".local/share/vdsto");
+  const std::string folder = EnvironmentVariable("VDSTO_LIBRARY");
+  const std::string data = EnvironmentVariable("XDG_DATA_HOME");
+  const std::string home = EnvironmentVariable("HOME");
+  if (!folder.empty()) return folder;
+  if (!data.empty()) return Joined(data, "vdsto");
+  if (!home.empty()) return Joined(home, ".local/share/vdsto");
   throw ToolError(ExitCode::kUsage, "no library folder: give --library or set VDSTO_LIBRARY");
 }
 
@@ -83,7 +83,8 @@ Library::Library(const LibraryOptions& options)
     : folder_(options.folder), path_(Joined(options.folder, kCatalogueName)) {
   if (!Exists(path_)) {
     throw ToolError(ExitCode::kCannotOpen,
-                    "no catalogue in " + options.folder + " yet: run vdsto import first");
+                    "no catalogue in " + options.folder +
+                        " yet: run vdsto import first, or name its folder with --library");
   }
   Open(options.password);
 }

@@ -1,7 +1,9 @@
 #include "tools/vdsto/selection/catalogue_path.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 #include "tools/vdsto/library/photo_guid.h"
 #include "tools/vdsto/selection/unknown_name.h"
@@ -22,13 +24,14 @@ std::string PersonalRootName() {
 template <class Describe>
 std::optional<PHOTOINFO> OnlyOne(const vdstomgr::PhotoArray& photos, const std::string& name,
                                  Describe describe) {
+  constexpr size_t kMostNamed = 5;
   if (photos.IsEmpty()) return std::nullopt;
   if (photos.GetSize() == 1) return photos[0];
-  std::string list;
-  for (const PHOTOINFO& photo : photos)
-    list += (list.empty() ? "" : ", ") + Printable(describe(photo));
+  std::vector<std::string> names;
+  for (const PHOTOINFO& photo : photos) names.push_back(describe(photo));
+  std::sort(names.begin(), names.end());
   throw ToolError(ExitCode::kNotFound, std::to_string(photos.GetSize()) + " photos are named " +
-                                           Printable(name) + ": " + list);
+                                           name + ": " + Listed(names, kMostNamed));
 }
 
 }  // namespace
@@ -42,7 +45,7 @@ std::optional<uint32_t> CataloguePath::FindFolder(const std::string& text) {
   if (const auto folder = FindFolderAt(text)) return folder;
   std::error_code error;
   const fs::path source = fs::canonical(text, error);
-  return error ? std::nullopt : Mirror().Find(source.string());
+  return error || !fs::is_directory(source, error) ? std::nullopt : Mirror().Find(source.string());
 }
 
 std::optional<uint32_t> CataloguePath::FindFolderAt(const std::string& path) {

@@ -179,6 +179,17 @@ std::string TimeText(int32_t time) {
   return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local));
 }
 
+std::string Listed(const std::vector<std::string>& names, size_t most) {
+  std::string list;
+  for (size_t i = 0; i < names.size() && i < most; ++i) list += (i == 0 ? "" : ", ") + names[i];
+  return names.size() > most ? list + " and more" : list;
+}
+
+std::string EnvironmentVariable(const char* name) {
+  const char* value = std::getenv(name);
+  return value == nullptr ? std::string() : value;
+}
+
 std::string Counted(unsigned long long count, std::string_view noun) {
   return std::to_string(count) + " " + std::string(noun) + (count == 1 ? "" : "s");
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// UTF-8 text as this tool shows and stores it.
 namespace vdsto {
@@ -48,6 +49,12 @@ std::string HumanSize(unsigned long long bytes);
 
 /// "2004-06-29 15:29:33" in local time, of seconds since 1970; empty for 0.
 std::string TimeText(int32_t time);
+
+/// "a, b and more": the first `most` of the names.
+std::string Listed(const std::vector<std::string>& names, size_t most);
+
+/// A variable of the process's environment; empty when it is not set.
+std::string EnvironmentVariable(const char* name);
 
 /// "3 photos", "1 photo".
 std::string Counted(unsigned long long count, std::string_view noun);

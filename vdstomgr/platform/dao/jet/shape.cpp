@@ -23,7 +23,7 @@ bool IsSpace(char byte) {
 
 }  // namespace
 
-/// One pass over one statement: copies what is no literal to the shape's key, run by run.
+// One pass over one statement: copies what is no literal to the shape's key, run by run.
 class ShapeScanner {
  public:
   ShapeScanner(Shape& shape, std::string_view sql)
