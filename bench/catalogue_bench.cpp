@@ -23,13 +23,17 @@ void Measure(benchmark::State& state, const Case& test, const Operation& operati
   std::mt19937_64 random(42);
   auto added = std::uint64_t(photos);
   for (auto _ : state) {
+    if (test.prepare) {
+      state.PauseTiming();
+      test.prepare(path, photos);
+      state.ResumeTiming();
+    }
     const std::uint64_t number = test.adds > 0 ? added : random() % std::uint64_t(photos);
     if (!operation(number)) state.SkipWithError("failed");
     added += std::uint64_t(test.adds);
   }
-  if (test.adds == 0) return;
-  state.counters["items"] = test.adds;
-  RemoveAdded(path, photos);
+  if (const int items = test.adds + test.items; items > 0) state.counters["items"] = items;
+  if (test.adds > 0) RemoveAdded(path, photos);
 }
 
 void Register(const Case& test, const char* side, const Operation& operation,
@@ -56,7 +60,8 @@ void Run(const Case& test, const CatalogueMaster& master, RatioTable& table) {
 std::vector<Case> CasesToRun() {
   std::vector<Case> cases;
   const std::regex filter(benchmark::GetBenchmarkFilter());
-  for (const auto& subject : {PhotoCases(), FolderCases(), StatementCases()}) {
+  for (const auto& subject :
+       {PhotoCases(), FolderCases(), StatementCases(), ListCases(), SummaryCases()}) {
     for (const Case& test : subject) {
       if (std::regex_search(test.name, filter)) cases.push_back(test);
     }

@@ -34,6 +34,9 @@ struct Case {
   int iterations;
   int adds = 0;  ///< photos that one run adds: it gets new numbers then, and they go afterwards
   std::string note = {};  ///< what a reader of the table must know
+  int items = 0;          ///< that one run works on, when it adds none
+  /// Makes a side's file ready before each run, unmeasured.
+  void (*prepare)(const std::string& path, int photos) = nullptr;
 };
 
 /// The library's catalogue, opened.
@@ -44,5 +47,7 @@ struct OurCatalogue : CRkPhotoDBManager {
 std::vector<Case> PhotoCases();
 std::vector<Case> FolderCases();
 std::vector<Case> StatementCases();
+std::vector<Case> ListCases();
+std::vector<Case> SummaryCases();
 
 }  // namespace bench

@@ -3,6 +3,8 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <map>
+
 #include "bench/catalogue_case.h"
 #include "bench/catalogue_records.h"
 #include "vdstomgr/platform/dao/sqlite/functions.h"
@@ -28,6 +30,17 @@ void AddPhotos(CRkPhotoDBManager& catalogue, int photos) {
   }
 }
 
+void AddTags(CRkPhotoDBManager& catalogue, int photos) {
+  std::map<DWORD, CStringArray> tagged;
+  for (int i = 0; i < photos; ++i) {
+    for (const DWORD tag : TagsOf(std::uint64_t(i))) tagged[tag].Add(GuidOf(i).c_str());
+  }
+  for (const auto& [tag, guids] : tagged) {
+    Require(catalogue.AddTagInfo(("태그 " + std::to_string(tag)).c_str(), tag), "AddTagInfo");
+    Require(catalogue.AddTag(guids, tag, false), "AddTag");
+  }
+}
+
 }  // namespace
 
 OurCatalogue::OurCatalogue(const std::string& path) {
@@ -40,6 +53,7 @@ CatalogueMaster::CatalogueMaster(const fs::path& folder, int photos)
   OurCatalogue catalogue(path_.string());
   AddFolders(catalogue, photos);
   AddPhotos(catalogue, photos);
+  AddTags(catalogue, photos);
 }
 
 CatalogueMaster::~CatalogueMaster() {
@@ -58,14 +72,17 @@ CaseFiles::~CaseFiles() {
   }
 }
 
-void RemoveAdded(const std::string& path, int photos) {
+void RunBeside(const std::string& path, const std::string& sql) {
   sqlite3* db = nullptr;
   sqlite3_open(path.c_str(), &db);
   vdstomgr::sqlite::InstallFunctions(db);
-  const std::string sql = "DELETE FROM PhotoMaster WHERE rowid > " + std::to_string(photos) +
-                          "; PRAGMA wal_checkpoint(TRUNCATE)";
   Require(sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK, sql.c_str());
   sqlite3_close(db);
+}
+
+void RemoveAdded(const std::string& path, int photos) {
+  RunBeside(path, "DELETE FROM PhotoMaster WHERE rowid > " + std::to_string(photos) +
+                      "; PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
 }  // namespace bench

@@ -38,6 +38,9 @@ class CaseFiles {
   std::string peer_;
 };
 
+/// Runs statements on a file beside what is measured.
+void RunBeside(const std::string& path, const std::string& sql);
+
 /// Takes the photos from that number on out of a file, so that every run meets the same catalogue.
 void RemoveAdded(const std::string& path, int photos);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 
@@ -18,6 +19,9 @@ std::string RandomGuidOf(std::uint64_t number);
 
 /// The folder that a photo is in; the first is 1, each has a hundred photos.
 DWORD FolderOf(std::uint64_t number);
+
+/// One of a hundred that whole folders share, and one of fifty that lie scattered.
+std::array<DWORD, 2> TagsOf(std::uint64_t number);
 
 PHOTOINFO PhotoOf(std::uint64_t number);
 FOLDERINFO FolderRecord(DWORD id);

@@ -79,6 +79,8 @@ class Reader {
   void Time(std::int32_t& target);
   std::uint64_t Size();
   void Skip() { ++place_; }
+  /// The next value read is that of the column of that number, from 0.
+  void MoveTo(int column) { place_ = column - 1; }
 
  private:
   std::int64_t Integer();

@@ -58,11 +58,11 @@ constexpr const char* kWritten[] = {"szGUID",
                                     "nCommentCount",
                                     "nTotalDownloadCount",
                                     "nLinkDownloadCount"};
-constexpr int kWrittenCount = static_cast<int>(std::size(kWritten));
+static_assert(std::size(kWritten) == kPhotoColumnCount);
 
 std::string Joined(const char* separator, const char* suffix, bool numbers) {
   std::string list;
-  for (int i = 0; i < kWrittenCount; ++i) {
+  for (int i = 0; i < kPhotoColumnCount; ++i) {
     if (i > 0) list += separator;
     if (!numbers) list += kWritten[i];
     list += suffix;
@@ -126,7 +126,13 @@ void Bind(const PeerStatement& statement, const PHOTOINFO& p) {
       .Number(p.LinkDownloadCount);
 }
 
-void Fill(Reader r, PHOTOINFO& p) {
+}  // namespace
+
+std::string PhotoColumns(const char* prefix) {
+  return prefix + Joined((std::string(", ") + prefix).c_str(), "", false);
+}
+
+void FillPhoto(Reader r, PHOTOINFO& p) {
   r.Text(p.szGUID), r.Text(p.szMD5), p.SetFileName(r.Text());
   r.Number(p.byteFlag), r.Number(p.byteRating), r.Number(p.bytePublic), r.Number(p.byteComment);
   p.SetLTBURL(r.Text()), p.SetRPURL(r.Text()), p.SetOPURL(r.Text()), p.SetFileSize(r.Size());
@@ -147,10 +153,8 @@ void Fill(Reader r, PHOTOINFO& p) {
   r.Number(p.LinkDownloadCount);
 }
 
-}  // namespace
-
 PeerPhotos::PeerPhotos(const std::string& path) : db_(path) {
-  const std::string columns = Joined(", ", "", false);
+  const std::string columns = PhotoColumns();
   insert_ = db_.Prepare("INSERT INTO PhotoMaster (" + columns + ") VALUES (" +
                         Joined(", ", "?", true) + ")");
   has_ = db_.Prepare("SELECT 1 FROM PhotoMaster WHERE szGUID = ?1");
@@ -180,7 +184,7 @@ bool PeerPhotos::Update(const PHOTOINFO& photo) {
 
 bool PeerPhotos::Read(const char* guid, PHOTOINFO& photo) {
   Binder(read_).Text(guid);
-  return ReadOne(read_, photo, Fill);
+  return ReadOne(read_, photo, FillPhoto);
 }
 
 bool PeerPhotos::SetTitle(const char* guid, const char* title) {

@@ -7,6 +7,11 @@
 
 namespace bench {
 
+inline constexpr int kPhotoColumnCount = 53;
+/// The columns of a photo, separated by commas, and the record made of them.
+std::string PhotoColumns(const char* prefix = "");
+void FillPhoto(Reader row, PHOTOINFO& photo);
+
 /// The photo table by hand.
 class PeerPhotos {
  public:

@@ -24,6 +24,22 @@ TEST(JetPrinter, StatementsInTheEnginesDialect) {
        R"(MAX("s") COLLATE ~ IN (?3, "s"))"},
       {"SELECT x.s FROM (SELECT * FROM T WHERE id IN (1,2) ORDER BY s) AS x ORDER BY x.s DESC",
        R"(SELECT "x"."s" FROM (SELECT * FROM "T" WHERE "id" IN (?1, ?2)) AS "x" ORDER BY "x"."s" DESC)"},
+      // beside a whole key other columns tell no groups apart; no row lacks a key
+      {"SELECT a.s, COUNT(b.s) AS n FROM T AS a INNER JOIN I AS b ON a.s = b.s GROUP BY a.id, a.s, "
+       "b.s",
+       R"(SELECT "a"."s", COUNT(*) AS "n" FROM "T" AS "a" JOIN "I" AS "b" ON "a"."s" = "b"."s" )"
+       R"(GROUP BY "a"."id", "b"."s")"},
+      {"SELECT s, COUNT(d) FROM T GROUP BY s, d",
+       R"(SELECT "s", COUNT("d") AS "Expr1000" FROM "T" GROUP BY "s", "d")"},
+      {"SELECT COUNT(a.id), COUNT(b.id), COUNT(c.id) FROM (T AS a LEFT JOIN U AS b ON a.s = b.s) "
+       "RIGHT JOIN U AS c ON a.s = c.s",
+       R"(SELECT COUNT("a"."id") AS "Expr1000", COUNT("b"."id") AS "Expr1001", COUNT(*) AS "Expr1002" )"
+       R"(FROM ("T" AS "a" LEFT JOIN "U" AS "b" ON "a"."s" = "b"."s") RIGHT JOIN "U" AS "c" )"
+       R"(ON "a"."s" = "c"."s")"},
+      // a narrow index can be read for what is left out
+      {"DELETE FROM T AS a WHERE b NOT IN (SELECT id FROM U)",
+       R"(DELETE FROM "T" WHERE rowid IN (SELECT "a".rowid FROM "T" AS "a" WHERE "b" NOT IN )"
+       R"((SELECT "id" FROM "U")))"},
       {"Create Table IX  (szGUID CHAR(36) PRIMARY KEY)",
        R"(CREATE TABLE "IX" ("szGUID" CHAR(36) COLLATE ~ CONSTRAINT "key.szGUID" NOT NULL )"
        R"(CONSTRAINT "size.szGUID" CHECK (length("szGUID") <= 36), PRIMARY KEY ("szGUID")))"},

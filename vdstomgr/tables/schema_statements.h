@@ -118,6 +118,8 @@ inline constexpr const char* kCreateStatements[] = {
     "CREATE INDEX IX5_PhotoMaster ON PhotoMaster (szShootDay)",
     "CREATE INDEX IX6_PhotoMaster ON PhotoMaster (szRegDay)",
     "CREATE INDEX IX7_PhotoMaster ON PhotoMaster (dwFolderID, szFileName)",
+    // finds the locked photos, which are few, among all
+    "CREATE INDEX IX_LockStatus_PhotoMaster ON PhotoMaster (byteLockStatus)",
     kCreatePhotoTrashMaster,
     kIndexPhotoTrashMaster,
     "CREATE TABLE PhotoSyncProcess ("

@@ -2,6 +2,7 @@
 #include "vdstomgr/platform/text/ascii.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 namespace vdstomgr::sqlite {
@@ -18,11 +19,19 @@ VisibleSource MakeSource(const jet::Source& source, const dao::SchemaView& schem
   VisibleSource visible{source.alias, nullptr, {}};
   if (source.select) {
     visible.columns = OutputColumns(*source.select, schema);
+    for (OutputColumn& column : visible.columns) {
+      column.stored = nullptr;
+      column.never_null = false;
+    }
   } else {
     visible.table = &RequireTable(schema, source.table, dao::Error::UnknownTable);
     if (visible.name.empty()) visible.name = visible.table->name;
     for (const auto& column : visible.table->columns) {
-      visible.columns.push_back({column.name, {}, {}, column.type});
+      OutputColumn& output = visible.columns.emplace_back();
+      output.name = column.name;
+      output.type = column.type;
+      output.stored = &column;
+      output.never_null = column.key;
     }
   }
   for (OutputColumn& column : visible.columns) {
@@ -33,26 +42,26 @@ VisibleSource MakeSource(const jet::Source& source, const dao::SchemaView& schem
   return visible;
 }
 
+/// An outer join shows rows that lack these sources.
+void LetLack(std::span<VisibleSource> sources) {
+  for (VisibleSource& source : sources)
+    for (OutputColumn& column : source.columns) column.never_null = false;
+}
+
 void AddSources(const jet::From& from, const dao::SchemaView& schema,
                 std::vector<VisibleSource>& visible) {
+  const size_t first = visible.size();
   for (const auto& joined : from.sources) {
+    const size_t next = visible.size();
     if (joined.source.group) {
       AddSources(*joined.source.group, schema, visible);
     } else {
       visible.push_back(MakeSource(joined.source, schema));
     }
+    const std::span<VisibleSource> all(visible);
+    if (joined.join == jet::Join::Left) LetLack(all.subspan(next));
+    if (joined.join == jet::Join::Right) LetLack(all.subspan(first, next - first));
   }
-}
-
-const OutputColumn* FindColumn(const jet::ColumnRef& reference,
-                               const std::vector<VisibleSource>& sources) {
-  for (const VisibleSource& source : sources) {
-    if (!reference.table.empty() && !SameName(reference.table, source.name)) continue;
-    for (const OutputColumn& column : source.columns) {
-      if (SameName(column.name, reference.name)) return &column;
-    }
-  }
-  return nullptr;
 }
 
 void AddStar(const std::string& all_of, const std::vector<VisibleSource>& sources,
@@ -66,12 +75,21 @@ void AddStar(const std::string& all_of, const std::vector<VisibleSource>& source
   if (!found) dao::Throw(dao::Error::UnknownTable, all_of);
 }
 
+bool CountsRows(const jet::Expr& expr, const std::vector<VisibleSource>& sources) {
+  const auto* aggregate = std::get_if<jet::Aggregate>(&expr.node);
+  if (!aggregate || aggregate->function != jet::Aggregate::Function::Count) return false;
+  const OutputColumn* counted =
+      aggregate->argument ? FindColumn(*aggregate->argument, sources) : nullptr;
+  return counted && counted->never_null;
+}
+
 OutputColumn MakeOutput(const jet::SelectItem& item, const std::vector<VisibleSource>& sources,
                         int& expression_number) {
   OutputColumn output{item.alias, {}, {}, TypeOf(item.value, sources), &item.value};
+  output.counts_rows = CountsRows(item.value, sources);
   if (!item.alias.empty()) return output;
   if (const auto* reference = std::get_if<jet::ColumnRef>(&item.value.node)) {
-    const OutputColumn* column = FindColumn(*reference, sources);
+    const OutputColumn* column = FindColumn(item.value, sources);
     output.name = output.column = reference->name;
     output.source = column ? column->source : reference->table;
   } else {
@@ -108,6 +126,18 @@ std::optional<ColumnType> TypeOfLiteral(jet::Literal::Kind kind) {
 
 }  // namespace
 
+const OutputColumn* FindColumn(const jet::Expr& expr, const std::vector<VisibleSource>& sources) {
+  const auto* reference = std::get_if<jet::ColumnRef>(&expr.node);
+  if (!reference) return nullptr;
+  for (const VisibleSource& source : sources) {
+    if (!reference->table.empty() && !SameName(reference->table, source.name)) continue;
+    for (const OutputColumn& column : source.columns) {
+      if (SameName(column.name, reference->name)) return &column;
+    }
+  }
+  return nullptr;
+}
+
 std::vector<VisibleSource> VisibleSources(const jet::From& from, const dao::SchemaView& schema) {
   std::vector<VisibleSource> visible;
   AddSources(from, schema, visible);
@@ -140,10 +170,7 @@ std::optional<ColumnType> TypeOf(const jet::Expr& expr, const std::vector<Visibl
   if (const auto* literal = std::get_if<jet::LiteralRef>(&expr.node)) {
     return TypeOfLiteral(literal->kind);
   }
-  if (const auto* reference = std::get_if<jet::ColumnRef>(&expr.node)) {
-    const OutputColumn* column = FindColumn(*reference, sources);
-    return column ? column->type : std::nullopt;
-  }
+  if (const OutputColumn* column = FindColumn(expr, sources)) return column->type;
   if (const auto* aggregate = std::get_if<jet::Aggregate>(&expr.node)) {
     if (aggregate->function == Function::Count) return ColumnType::Integer;
     const bool keeps_type =

@@ -15,8 +15,11 @@ struct OutputColumn {
   std::string name;    ///< Expr1000, Expr1001 ... for an expression without an alias
   std::string column;  ///< a plain column's own name, empty for anything that was given another
   std::string source;  ///< the table or alias that a plain column belongs to
-  std::optional<dao::ColumnType> type;  ///< when it is known
-  const jet::Expr* value = nullptr;     ///< null for a column that stands behind a star
+  std::optional<dao::ColumnType> type;        ///< when it is known
+  const jet::Expr* value = nullptr;           ///< null for a column that stands behind a star
+  bool counts_rows = false;                   ///< counts a column that no row lacks
+  const dao::ColumnSchema* stored = nullptr;  ///< of a source that is a table: its column
+  bool never_null = false;                    ///< of a source: no row lacks it
 };
 
 /// A table or derived table as the expressions of a query see it.
@@ -25,6 +28,9 @@ struct VisibleSource {
   const dao::TableSchema* table;  ///< null for a derived table
   std::vector<OutputColumn> columns;
 };
+
+/// The column that an expression names; null when it is no column, or none of these.
+const OutputColumn* FindColumn(const jet::Expr& expr, const std::vector<VisibleSource>& sources);
 
 /// The sources of a query in order, those in parentheses included. Throws UnknownTable.
 std::vector<VisibleSource> VisibleSources(const jet::From& from, const dao::SchemaView& schema);

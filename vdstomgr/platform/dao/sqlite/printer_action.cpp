@@ -48,6 +48,13 @@ bool IsNullConstant(const jet::Expr& expr) {
   return constant && *constant == jet::Constant::Null;
 }
 
+// No index leads to the rows that a sub-query leaves out; a narrow one can be read instead of the
+// whole table, but the engine does that for queries only.
+bool IsExclusion(const jet::ExprPtr& condition) {
+  const auto* in = condition ? std::get_if<jet::InSelect>(&condition->node) : nullptr;
+  return in && in->negated;
+}
+
 std::string OrIgnore(const PrintOptions& options) {
   return options.skip_failing_rows ? " OR IGNORE" : "";
 }
@@ -142,7 +149,7 @@ std::string SqlPrinter::Action(const jet::Delete& statement) const {
   const std::vector<VisibleSource> sources = VisibleSources(statement.from, schema_);
   const VisibleSource& target = DeleteTarget(statement, sources);
   const jet::Source& first = statement.from.sources.front().source;
-  if (sources.size() == 1 && !first.group) {
+  if (sources.size() == 1 && !first.group && !IsExclusion(statement.where)) {
     return "DELETE FROM " + Source(first) + Where(statement.where);
   }
   return "DELETE FROM " + QuoteName(target.table->name) + " WHERE rowid IN (SELECT " +

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <set>
 
 #include "vdstomgr/platform/dao/dao_error.h"
 #include "vdstomgr/platform/dao/sqlite/sql_printer.h"
@@ -27,6 +28,32 @@ size_t FindOutput(const jet::Expr& key, std::span<const OutputColumn> outputs) {
     return SameName(output.name, column->name);
   });
   return static_cast<size_t>(found - outputs.begin());
+}
+
+bool HasWholeKey(const VisibleSource& source, const std::set<const OutputColumn*>& columns) {
+  const auto is_key = [](const OutputColumn& column) { return column.stored->key; };
+  return source.table && std::ranges::any_of(source.columns, is_key) &&
+         std::ranges::all_of(source.columns, [&](const OutputColumn& column) {
+           return !is_key(column) || columns.contains(&column);
+         });
+}
+
+// Beside the whole key of a table its other columns tell no groups apart, and comparing their texts
+// row by row may cost more than all the rest.
+std::vector<const jet::Expr*> GroupKeys(const jet::Select& select, const dao::SchemaView& schema) {
+  const std::vector<VisibleSource> sources = VisibleSources(select.from, schema);
+  std::set<const OutputColumn*> named;
+  for (const jet::Expr& key : select.group_by) named.insert(FindColumn(key, sources));
+  std::set<const OutputColumn*> implied;
+  for (const VisibleSource& source : sources) {
+    if (!HasWholeKey(source, named)) continue;
+    for (const OutputColumn& column : source.columns)
+      if (!column.stored->key) implied.insert(&column);
+  }
+  std::vector<const jet::Expr*> keys;
+  for (const jet::Expr& key : select.group_by)
+    if (!implied.contains(FindColumn(key, sources))) keys.push_back(&key);
+  return keys;
 }
 
 }  // namespace
@@ -110,6 +137,7 @@ std::string SqlPrinter::Output(const OutputColumn& output, std::string_view name
     const std::string table = output.source.empty() ? "" : QuoteName(output.source) + ".";
     return table + QuoteName(output.column) + alias;
   }
+  if (output.counts_rows) return "COUNT(*)" + alias;
   // A number needs no text order.
   const bool is_number = output.type && *output.type != dao::ColumnType::Text &&
                          *output.type != dao::ColumnType::LongText;
@@ -127,8 +155,8 @@ std::string SqlPrinter::Body(const jet::Select& select) const {
   if (!select.from.sources.empty()) sql += " FROM " + Sources(select.from);
   sql += Where(select.where);
   if (!select.group_by.empty()) {
-    sql += " GROUP BY " +
-           Join(select.group_by, ", ", [this](const jet::Expr& key) { return Ordered(key); });
+    sql += " GROUP BY " + Join(GroupKeys(select, schema_), ", ",
+                               [this](const jet::Expr* key) { return Ordered(*key); });
   }
   if (select.having) sql += " HAVING " + Print(*select.having);
   return sql;
