@@ -50,9 +50,8 @@ struct Lanes {
   __m128i fourth;
 };
 
-VDSTO_NARROW inline Lanes FirstLanes(const BYTE* data, DWORD crc_register) {
-  const __m128i start = _mm_cvtsi32_si128(static_cast<int>(crc_register));
-  return {_mm_xor_si128(Load(data), start), Load(data + 16), Load(data + 32), Load(data + 48)};
+VDSTO_NARROW inline Lanes LoadLanes(const BYTE* at) {
+  return {Load(at), Load(at + 16), Load(at + 32), Load(at + 48)};
 }
 
 VDSTO_NARROW inline void FoldBlock(Lanes& lanes, __m128i step, const BYTE* at) {
@@ -76,10 +75,12 @@ VDSTO_WIDE inline __m512i WideStep() {
 }
 
 /// As many blocks of kWideBytes as there are, at least one, with processors that multiply four at a
-/// time.
+/// time. `lanes` takes 64 bytes. Wide registers that were not cleared would cost the narrow code
+/// that follows some microseconds.
 constexpr std::size_t kWideBytes = 256;
 
-VDSTO_WIDE Lanes FoldWideBlocks(const BYTE* data, std::size_t size, DWORD crc_register) {
+VDSTO_WIDE void FoldWideBlocks(const BYTE* data, std::size_t size, DWORD crc_register,
+                               BYTE* lanes) {
   const __m512i start = _mm512_zextsi128_si512(_mm_cvtsi32_si128(static_cast<int>(crc_register)));
   __m512i first = _mm512_xor_si512(_mm512_loadu_si512(data), start);
   __m512i second = _mm512_loadu_si512(data + 64);
@@ -94,9 +95,8 @@ VDSTO_WIDE Lanes FoldWideBlocks(const BYTE* data, std::size_t size, DWORD crc_re
   }
   const __m512i step = WideStep<512>();
   const __m512i sum = FoldWide(FoldWide(FoldWide(first, step, second), step, third), step, fourth);
-  BYTE lanes[64];
   _mm512_storeu_si512(lanes, sum);
-  return {Load(lanes), Load(lanes + 16), Load(lanes + 32), Load(lanes + 48)};
+  _mm256_zeroupper();
 }
 
 /// Not on Windows, where compilers do not align what wide registers are saved to.
@@ -118,7 +118,12 @@ bool CanFoldCrc32() {
 
 VDSTO_NARROW FoldedCrc32 FoldCrc32(const BYTE* data, std::size_t size, DWORD crc_register) {
   const bool is_wide = size >= kWideBytes && CanFoldWide();
-  Lanes lanes = is_wide ? FoldWideBlocks(data, size, crc_register) : FirstLanes(data, crc_register);
+  BYTE wide[64];
+  if (is_wide) FoldWideBlocks(data, size, crc_register, wide);
+  Lanes lanes = LoadLanes(is_wide ? wide : data);
+  if (!is_wide) {
+    lanes.first = _mm_xor_si128(lanes.first, _mm_cvtsi32_si128(static_cast<int>(crc_register)));
+  }
   const __m128i block_step = Load(&kStep<512>);
   for (std::size_t at = is_wide ? size / kWideBytes * kWideBytes : kCrcFoldBytes; at < size;
        at += kCrcFoldBytes) {
