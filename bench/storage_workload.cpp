@@ -127,7 +127,8 @@ void Settle(const Workload& workload, StorageFigures& figures) {
   ::sync();
   figures.peak_mib = std::max(figures.peak_mib, MibOf("/proc/self/status", "VmHWM:"));
   const double files = double(workload.records) * workload.blob_bytes / (1 << 20);
-  const double mib = std::min(files * kTimes + kLeastMib, MibOf("/proc/meminfo", "MemFree:") * 0.9);
+  const double most = MibOf("/proc/meminfo", "MemAvailable:") / 2;
+  const double mib = std::min(files * kTimes + kLeastMib, most);
   const auto size = std::size_t(mib) << 20;
   void* const memory =
       ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
