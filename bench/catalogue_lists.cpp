@@ -142,7 +142,7 @@ std::vector<Case> Relations() {
        "DELETE FROM PhotoMaster WHERE szGUID = ?1"},
       AsNumber, DoomedList);
   deletion.prepare = AddDoomed;
-  deletion.note = "ours marks each photo's tags changed before it deletes the photo";
+  deletion.note = "both sides mark a photo's tags changed before they delete the photo";
   return {ListCase(
               "AddTag, list",
               [](OurCatalogue& ours, const CStringArray& guids, int value) {

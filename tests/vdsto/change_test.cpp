@@ -178,7 +178,9 @@ TEST_F(ChangeTest, RoomsAndAlbumsAreKept) {
   RunAll({{{"reset", "nope"}, 2, "no table nope"},
           {{"reset", "albums", "photos", "-n"}, 0, "albums: 1\nphotos: 4\n2 tables would be"},
           {{"reset", "albums"}, 8, "1 table will be emptied (albums: 1): say --yes"},
-          {{"reset", "albums", "-y"}, 0, "1 table emptied (albums: 1)"},
+          {{"reset", "album-photos", "albums", "-y"},
+           0,
+           "2 tables emptied (album-photos: 2, albums: 1)"},
           {{"album", "ls", "여행"}, 6, "no album 여행"}});
 }
 

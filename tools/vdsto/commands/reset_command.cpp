@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <limits>
 
 #include "tools/vdsto/cli/changes.h"
 #include "tools/vdsto/cli/command.h"
@@ -14,7 +15,9 @@ constexpr const char* kNotes =
 shown nowhere until vdsto mv or another import finds them. vdsto import fills photos and folders again, but
 not what users have said of them. Resetting trash forgets only where its photos were; vdsto trash empty
 deletes them. TABLE is one of:
-photos, photo-tags, trash, folders, active-folders, tags, rooms, albums.)";
+photos, photo-tags, trash, folders, active-folders, tags, rooms, albums, album-photos, camera-models,
+camera-lenses, my-camera-models, my-camera-lenses, sync. What views have yet to draw is emptied by vdsto
+notify reset.)";
 
 using Manager = CRkPhotoDBManager;
 
@@ -60,6 +63,31 @@ int CountAlbums(Manager& catalogue) {
   return catalogue.GetAlbumList(albums);
 }
 
+int CountAlbumPhotos(Manager& catalogue) {
+  vdstomgr::RoomArray rooms;
+  vdstomgr::AlbumArray albums;
+  catalogue.GetAllRoomInfo(rooms);
+  for (const ROOMINFO& room : rooms) catalogue.GetSubAlbumInfo(room.dwRoomID, 0, albums, true);
+  int links = 0;
+  for (const ALBUMINFO& album : albums) {
+    CStringArray photos;
+    links += catalogue.GetPhotosInAlbum(album.dwRoomID, album.dwAlbumID, photos, false);
+  }
+  return links;
+}
+
+template <auto get>
+int CountNames(Manager& catalogue) {
+  CStringArray names;
+  return (catalogue.*get)(names);
+}
+
+int CountPending(Manager& catalogue) {
+  vdstomgr::PhotoSyncArray pending;
+  catalogue.GetPhotoSyncAllInfo(pending, std::numeric_limits<int>::max());
+  return pending.GetSize();
+}
+
 struct Emptyable {
   const char* name;
   int (*count)(Manager&);
@@ -76,6 +104,12 @@ constexpr std::array kTables{
     Emptyable{"tags", &CountTags, &Manager::ResetTagInfo},
     Emptyable{"rooms", &CountRooms, &Manager::ResetRoomInfo},
     Emptyable{"albums", &CountAlbums, &Manager::ResetAlbumInfo},
+    Emptyable{"album-photos", &CountAlbumPhotos, &Manager::ResetPhotoAlbum},
+    Emptyable{"camera-models", &CountNames<&Manager::GetModel>, &Manager::ResetCameraModel},
+    Emptyable{"camera-lenses", &CountNames<&Manager::GetLens>, &Manager::ResetCameraLens},
+    Emptyable{"my-camera-models", &CountNames<&Manager::GetMyModel>, &Manager::ResetMyCameraModel},
+    Emptyable{"my-camera-lenses", &CountNames<&Manager::GetMyLens>, &Manager::ResetMyCameraLens},
+    Emptyable{"sync", &CountPending, &Manager::ResetPhotoSyncProcess},
 };
 
 const Emptyable& TableNamed(const std::string& name) {
