@@ -9,7 +9,7 @@ import re
 import sys
 
 UMBRELLA = "vdstomgr/vdstomgr.h"
-ROOMS = ("vdstomgr/catalogue/", "vdstomgr/storage/")
+ROOMS = ("vdstomgr/catalogue/", "vdstomgr/transfer/", "vdstomgr/storage/")
 INDEX = pathlib.Path("docs/operations.md")
 INTRODUCTION = """# Operations
 

@@ -74,6 +74,16 @@ const Operation kOperations[] = {
        return c.GetNotifyFolder_List(marks) && marks.GetSize() == 2;
      }},
     {"delete", [](auto& c) { return c.DeletePhotosAndRelations(kBoth, nullptr); }},
+    {"upload",
+     [](auto& c) {
+       UPLOADLIST row;
+       row.SetFileName(kLongName.c_str());
+       c.AddUploadList(row);
+       c.AddUploadList(row);
+       CDWordArray second{1};
+       return c.SetUploadReorder_TOP(second) == 0 && c.UpdateSentBytesInUploadInfo("", ~0ull) &&
+              c.GetNextUploadList(row) && c.DelUploadList("");
+     }},
     {"reset", [](auto& c) { return c.ResetAllNotify(); }},
 };
 

@@ -29,6 +29,13 @@
 ///   notifications.h       what changed since a view last looked
 ///   deletion.h            deleting with what hangs on it
 ///   resets.h              emptying whole tables, a repair
+///
+/// and, in transfer/, what waits to be uploaded:
+///
+///   upload_list.h         the queue of the user's uploads: order, claims, retries
+///   upload_list_file.h    the queue as a text file
+///   upload_tags.h         tags and albums that uploads get when they are done
+///   sync_upload_list.h    the queue of the synchronisation
 class VDSTO_API CRkPhotoDBManager : public vdstomgr::catalogue::Resets {
  public:
   ~CRkPhotoDBManager() override;

@@ -5,6 +5,7 @@
 #include "vdstomgr/platform/text/code_page.h"
 #include "vdstomgr/records/folder_ids.h"
 #include "vdstomgr/session/database_file.h"
+#include "vdstomgr/session/stale_at_exit.h"
 #include "vdstomgr/tables/catalogue_schema.h"
 
 namespace vdstomgr::catalogue {
@@ -51,6 +52,7 @@ bool Session::OpenDB(const char* path, const char* password) {
 
 bool Session::CloseDB() {
   return m_db->GuardedOutsideCommit(false, [&] {
+    const StaleAtExit change = Changing();  // the next file has another queue
     m_bOpen = false;
     m_db->Database().Close();
     return true;

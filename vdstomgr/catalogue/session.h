@@ -8,7 +8,7 @@
 #include "vdstomgr/platform/framework/types.h"
 #include "vdstomgr/platform/os/lock.h"
 #include "vdstomgr/platform/utility/bin_data.h"
-#include "vdstomgr/session/database_operations.h"
+#include "vdstomgr/transfer/sync_upload_list.h"
 
 class CLongBinary;
 class COleVariant;
@@ -17,7 +17,7 @@ class CRkDaoDatabase;
 namespace vdstomgr::catalogue {
 
 /// A catalogue's file, its lock and its clock.
-class VDSTO_API Session : public DatabaseOperations {
+class VDSTO_API Session : public transfer::SyncUploadList {
  public:
   Session();
   ~Session() override;
@@ -43,8 +43,6 @@ class VDSTO_API Session : public DatabaseOperations {
   /// The lock of all database work, for holding it over several calls. Lives as long as this
   /// object.
   CRITICAL_SECTION* GetDAOCriticalSection() { return &m_csDAO; }
-  /// In bytes; 1,048,576 at first. Takes no lock.
-  void SetSmallFileUploadMaxSize(std::uint64_t bytes) { m_nSmallFileUploadMaxSize = bytes; }
 
   /// The catalogue's clock, in seconds since 1970: set from outside, it runs on by itself. The
   /// three take no lock.
@@ -73,7 +71,6 @@ class VDSTO_API Session : public DatabaseOperations {
 
   CRITICAL_SECTION m_csDAO;
   bool m_bFolderChanged = true;  // since the sub-folder cache was filled; guarded by the DAO lock
-  std::atomic<std::uint64_t> m_nSmallFileUploadMaxSize{1'048'576};
 
  private:
   CString m_strDBName;

@@ -25,4 +25,5 @@ struct ALBUMINDEX {
 
 namespace vdstomgr {
 using AlbumArray = CArray<ALBUMINFO, ALBUMINFO&>;
+using AlbumIndexArray = CArray<ALBUMINDEX, ALBUMINDEX&>;
 }

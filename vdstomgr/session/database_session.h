@@ -150,6 +150,12 @@ class DatabaseSession : public GuardedDatabase {
     });
   }
 
+  /// The same; did it change a row?
+  template <class... Arguments>
+  bool ExecuteOnRowOrFail(SqlFormatOf<Arguments...> format, const Arguments&... arguments) {
+    return Guarded(false, [&] { return RunOrThrow<Arguments...>(format, arguments...) != 0; });
+  }
+
   /// Runs `body()` for a list as a whole, under one lock and in one commit. An empty list is true
   /// at once, without the lock.
   template <class List, class Body>

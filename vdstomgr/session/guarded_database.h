@@ -18,6 +18,8 @@ class GuardedDatabase {
   /// The recursive lock that every operation takes; set before the first one. Borrowed.
   void SetLock(CRITICAL_SECTION* lock) { lock_ = lock; }
 
+  CRITICAL_SECTION& Lock() { return *lock_; }
+
   /// Runs one operation: takes the lock and commits everything the operation wrote at its end; an
   /// operation called from within joins the outer one's commit. A failure ends the operation, is
   /// reported once to the user unless it is a duplicate key, and answers `failure`; what was done

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <iterator>
 
+#include "vdstomgr/platform/dao/engine.h"
 #include "vdstomgr/platform/dao/rk_dao.h"
 #include "vdstomgr/platform/framework/array.h"
 #include "vdstomgr/platform/framework/cstring.h"
@@ -44,6 +45,10 @@ class Rows {
   bool HasRow() { return !recordset_.IsEOF(); }
   Row* operator->() { return &row_; }
   Row& operator*() { return row_; }
+
+  /// Leaves `count` rows, from the `first` on, before the first is asked for; those before are not
+  /// read. See dao::Query.
+  void Window(int first, int count) { recordset_.Query().Window(first, count); }
 
   class Iterator {
    public:

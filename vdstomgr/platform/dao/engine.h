@@ -44,6 +44,10 @@ class Query {
   virtual void MoveNext() = 0;
   /// Runs the query again; the walk is before its first row as after opening.
   virtual void Restart() = 0;
+  /// Before the first row is read: the walk has only `count` rows, from the `first` on (0 is the
+  /// query's first). The engine passes over those before without reading them, and none of the
+  /// others are noted. Neither number is negative.
+  virtual void Window(int first, int count) = 0;
 
   /// A column of the current row. Throws NoCurrentRecord at the end, RecordDeleted when the row was
   /// deleted after the query had noted it.

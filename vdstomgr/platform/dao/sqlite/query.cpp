@@ -86,6 +86,19 @@ void Query::Restart() {
   state_ = State::Before;
 }
 
+// The statement with its literals in its text, as a query of its own: so the engine itself counts
+// off the rows before, in an index where one has the order.
+void Query::Window(int first, int count) {
+  assert(state_ == State::Before && first >= 0 && count >= 0);
+  const std::unique_ptr<char, decltype(&sqlite3_free)> whole(
+      sqlite3_expanded_sql(statement_->Handle()), &sqlite3_free);
+  if (!whole) throw std::bad_alloc();
+  statement_ =
+      Db().PrepareOwn("SELECT * FROM (" + std::string(whole.get()) + ") LIMIT ?1 OFFSET ?2");
+  sqlite3_bind_int(statement_->Handle(), 1, count);
+  sqlite3_bind_int(statement_->Handle(), 2, first);
+}
+
 void Query::Step() {
   sqlite3* db = Db().Handle();
   const int code = sqlite3_step(statement_->Handle());

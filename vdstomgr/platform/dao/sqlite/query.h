@@ -22,6 +22,7 @@ class Query final : public dao::Query {
   bool AtEnd() override;
   void MoveNext() override;
   void Restart() override;
+  void Window(int first, int count) override;
   dao::Field Get(int column) override;
   bool IsUpdatable() const override { return HasRowKeys(); }
   void Insert(const dao::RowDraft& row) override;
