@@ -9,12 +9,13 @@ import re
 import sys
 
 UMBRELLA = "vdstomgr/vdstomgr.h"
-ROOMS = ("vdstomgr/catalogue/", "vdstomgr/transfer/", "vdstomgr/storage/")
+ROOMS = ("vdstomgr/session/database_owner.h", "vdstomgr/catalogue/", "vdstomgr/transfer/",
+         "vdstomgr/search/", "vdstomgr/storage/")
 INDEX = pathlib.Path("docs/operations.md")
 INTRODUCTION = """# Operations
 
-Every operation of the catalogue and of the storage engine by subject: what it takes, and the first sentence of
-what its header says about it. One without a sentence is told by its name and by the one above it, of whose kind
+Every operation of the catalogue, of the search database and of the storage engine by subject: what it takes, and
+the first sentence of what its header says about it. One without a sentence is told by its name and by the one above it, of whose kind
 it is. Made by `scripts/make_operation_index.py`; [host-guide.md](host-guide.md) shows how they go together.
 """
 CLASS = re.compile(r"(?:class|struct) VDSTO_API (\w+)(?: : .*)? \{")

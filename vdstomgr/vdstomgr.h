@@ -32,6 +32,8 @@
 #include "vdstomgr/records/tag_info.h"
 #include "vdstomgr/records/trash_photo_info.h"
 #include "vdstomgr/records/upload_list.h"
+#include "vdstomgr/search/query_builder.h"
+#include "vdstomgr/search/search_db_manager.h"
 #include "vdstomgr/storage/array_file.h"
 #include "vdstomgr/storage/array_index.h"
 #include "vdstomgr/storage/file_mapper.h"

@@ -37,16 +37,6 @@ constexpr const char* kTables[] = {"Config_ActiveFolder",
 
 }  // namespace
 
-std::vector<std::string> Split(std::string_view rows, std::string_view separator) {
-  std::vector<std::string> all;
-  while (!rows.empty()) {
-    const std::size_t end = rows.find(separator);
-    all.emplace_back(rows.substr(0, end));
-    rows.remove_prefix(end == rows.npos ? rows.size() : end + separator.size());
-  }
-  return all;
-}
-
 void OperationTest::Check(const std::vector<Operation>& operations) {
   for (const Operation& operation : operations) {
     SCOPED_TRACE(operation.what);

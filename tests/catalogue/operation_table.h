@@ -45,7 +45,15 @@ std::string Listed(const List& list) {
 }
 
 /// The rows of a table in one text: "1|Sea / 2|Air".
-std::vector<std::string> Split(std::string_view rows, std::string_view separator = " / ");
+inline std::vector<std::string> Split(std::string_view rows, std::string_view separator = " / ") {
+  std::vector<std::string> all;
+  while (!rows.empty()) {
+    const std::size_t end = rows.find(separator);
+    all.emplace_back(rows.substr(0, end));
+    rows.remove_prefix(end == rows.npos ? rows.size() : end + separator.size());
+  }
+  return all;
+}
 
 /// One operation on a catalogue whose tables are empty but for `before`.
 struct Operation {

@@ -5,6 +5,7 @@
 #include <string>
 #include <type_traits>
 
+#include "vdstomgr/platform/utility/utility_lib.h"
 #include "vdstomgr/records/fixed_text.h"
 #include "vdstomgr/session/column_map.h"
 #include "vdstomgr/session/column_text.h"
@@ -114,6 +115,16 @@ constexpr Column<Record> Date(const char* name) {
             if (!field.IsNull()) record.*member = TimeFromText(AsText(field, text));
           },
           [](const Record& record, dao::Value& value) { SetDate(value, record.*member); }};
+}
+
+/// The same, but what is no date reads as -1.
+template <auto member, class Record = RecordOf<member>>
+constexpr Column<Record> UncheckedDate(const char* name) {
+  Column<Record> column = Date<member, Record>(name);
+  column.read = [](const dao::Field& field, Record& record, std::string& text) {
+    if (!field.IsNull()) record.*member = CUtilityLib::GetTime(AsText(field, text));
+  };
+  return column;
 }
 
 /// The day of a time: written beside its date, never read back.

@@ -45,7 +45,7 @@ bool FolderTable::FindParent(DWORD id, FOLDERINFO& parent) const {
   parent.dwParentID = row.dwParentID;
   parent.dwFolderID = row.dwFolderID;
   CopyToFixed(parent.szFolderName, row.szFolderName);
-  FillRootName(parent);
+  if (nameless_root_ == NamelessRoot::FixedName) FillRootName(parent);
   return true;
 }
 

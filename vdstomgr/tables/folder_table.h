@@ -12,9 +12,12 @@ class FolderTable {
  public:
   /// Makes a record of the current row.
   using Reader = FOLDERINFO (*)(CDaoRecordset& row);
+  /// What a root whose name is empty is called where only its name is read.
+  enum class NamelessRoot { FixedName, Nameless };
 
-  FolderTable(DatabaseSession& session, const char* table, Reader read)
-      : session_(session), table_(table), read_(read) {}
+  FolderTable(DatabaseSession& session, const char* table, Reader read,
+              NamelessRoot nameless_root = NamelessRoot::FixedName)
+      : session_(session), table_(table), read_(read), nameless_root_(nameless_root) {}
 
   /// False, and `folder` as it was, when there is none.
   bool Find(DWORD id, FOLDERINFO& folder) const;
@@ -45,6 +48,7 @@ class FolderTable {
   DatabaseSession& session_;
   Raw table_;
   Reader read_;
+  NamelessRoot nameless_root_;
 };
 
 /// Gives a root without a name its fixed one.

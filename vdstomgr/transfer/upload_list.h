@@ -5,7 +5,7 @@
 
 #include "vdstomgr/platform/framework/map.h"
 #include "vdstomgr/records/upload_list.h"
-#include "vdstomgr/session/database_operations.h"
+#include "vdstomgr/session/database_owner.h"
 #include "vdstomgr/session/stale_at_exit.h"
 
 namespace vdstomgr::transfer {
@@ -15,7 +15,7 @@ namespace vdstomgr::transfer {
 /// finished (2 or 3), or failed with a negative error code, of which -7212, -500, -7103, -7104,
 /// -7105, -7106, -7107 and -7108 are worth another attempt. All operations let a failing statement
 /// end them.
-class VDSTO_API UploadList : public DatabaseOperations {
+class VDSTO_API UploadList : public DatabaseOwner {
  public:
   /// ---- Adding and changing ----
 
@@ -129,6 +129,7 @@ class VDSTO_API UploadList : public DatabaseOperations {
 
   /// To be held over every change of the queue: what was read by position is stale at its end.
   StaleAtExit Changing();
+  void cForgetFile() override { m_bPositionsStale = true; }
   std::atomic<std::uint64_t> m_nSmallFileUploadMaxSize{1'048'576};
 
  private:

@@ -1,4 +1,4 @@
-#include "vdstomgr/catalogue/clock.h"
+#include "vdstomgr/session/clock.h"
 
 #include <ctime>
 

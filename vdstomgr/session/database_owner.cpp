@@ -1,0 +1,65 @@
+#include "vdstomgr/session/database_owner.h"
+
+#include "vdstomgr/platform/dao/dao_error.h"
+#include "vdstomgr/platform/dao/engine.h"
+#include "vdstomgr/platform/text/code_page.h"
+#include "vdstomgr/session/database_file.h"
+
+namespace vdstomgr {
+
+bool DatabaseOwner::CreateDB(const char* path, const char* password) {
+  return m_db->GuardedOutsideCommit(false, [&] {
+    if (m_bOpen) dao::Throw(dao::Error::InvalidOperation);
+    cSetDBName(path);
+    CreateDatabaseFile(*m_db, m_strDBName, password, [&] { cFillNewFile(); });
+    return true;
+  });
+}
+
+bool DatabaseOwner::OpenDB(const char* path, const char* password) {
+  if (m_bOpen) return false;
+  return m_db->GuardedOutsideCommit(false, [&] {
+    if (m_bOpen) return false;  // by another thread meanwhile
+    m_strOpenPath = path;
+    m_strOpenPassword = password;
+    cSetDBName(path);
+    OpenDatabaseFile(*m_db, m_strDBName, m_strOpenPassword, [&] { cPrepareOpenedFile(); });
+    m_bOpen = true;
+    return true;
+  });
+}
+
+bool DatabaseOwner::CloseDB() {
+  return m_db->GuardedOutsideCommit(false, [&] {
+    m_bOpen = false;
+    cForgetFile();
+    m_db->Database().Close();
+    return true;
+  });
+}
+
+bool DatabaseOwner::RefreshDB() {
+  return m_db->GuardedOutsideCommit(false, [&] {
+    const CString path = m_strOpenPath;
+    const CString password = m_strOpenPassword;
+    CloseDB();
+    OpenDB(path, password);
+    return true;
+  });
+}
+
+void DatabaseOwner::DeleteDB(const char* path) {
+  m_db->GuardedOutsideCommit(false, [&] {
+    cSetDBName(path);
+    const bool in_use = m_bOpen && m_strDBName == m_strOpenPath;
+    return !in_use && dao::DeleteDatabase(ToUtf8(m_strDBName));
+  });
+}
+
+CString DatabaseOwner::cToDBString(const char* text) const {
+  std::string quoted;
+  AppendQuoted(quoted, ViewOf(text));
+  return quoted;
+}
+
+}  // namespace vdstomgr
