@@ -42,6 +42,19 @@ bool IsYes(const std::string& answer) {
 
 }  // namespace
 
+void ChangePlan::Add(std::string id, std::string name) {
+  changed.push_back(std::move(id));
+  names.push_back(std::move(name));
+}
+
+void ChangePlan::AddUnless(bool is_already, std::string id, std::string name) {
+  is_already ? void(++unchanged) : Add(std::move(id), std::move(name));
+}
+
+void ChangePlan::AddNew(const std::string& name) {
+  if (std::find(changed.begin(), changed.end(), name) == changed.end()) Add(name, name);
+}
+
 ExitCode CarryOut(Invocation& invocation, const ChangePlan& plan, const ChangeOptions& options,
                   const std::function<void()>& apply) {
   if (!options.dry_run && plan.is_final) ConfirmLoss(plan, options);

@@ -26,6 +26,12 @@ struct ChangePlan {
   std::vector<std::string> names = {};    ///< the same for people, who see them in a dry run
   size_t unchanged = 0;                   ///< were so already
   Json details = Json::object();          ///< what else programs are told
+
+  void Add(std::string id, std::string name);
+  /// One that is so already is left alone.
+  void AddUnless(bool is_already, std::string id, std::string name);
+  /// What is made, known by its name, once.
+  void AddNew(const std::string& name);
 };
 
 /// Does what is planned: asks when it is final, calls `apply`, and writes what has changed; in a

@@ -121,9 +121,8 @@ struct AlbumCreate {
         continue;
       }
       Check(library, path, plan.changed);
-      if (!IsListed(plan.changed, path)) plan.changed.push_back(path);
+      plan.AddNew(path);
     }
-    plan.names = plan.changed;
     return CarryOut(invocation, plan, change, [&] {
       for (const std::string& path : plan.changed) Ensure(library, path);
     });
@@ -211,12 +210,8 @@ struct AlbumRename {
     });
     RequireFree(library, album, name);
     ChangePlan plan{"album", "renamed " + Printable(name)};
-    if (name == album.szAlbumName) {
-      plan.unchanged = 1;
-    } else {
-      plan.changed = {std::to_string(index.dwAlbumID)};
-      plan.names = {AlbumPath(library).NameOf(index)};
-    }
+    plan.AddUnless(name == album.szAlbumName, std::to_string(index.dwAlbumID),
+                   AlbumPath(library).NameOf(index));
     return CarryOut(invocation, plan, change, [&] {
       library.Call([&](auto& catalogue) {
         return catalogue.ChangeAlbumName(index.dwRoomID, index.dwAlbumID, name.c_str(),
@@ -250,10 +245,8 @@ struct AlbumDelete {
     for (const Name& name : ReadNames(paths, std::cin))
       AddFamily(library, AlbumPath(library).Album(name.text), albums);
     ChangePlan plan{"album", "deleted", true};
-    for (const ALBUMINDEX album : albums) {
-      plan.changed.push_back(std::to_string(album.dwAlbumID));
-      plan.names.push_back(AlbumPath(library).NameOf(album));
-    }
+    for (const ALBUMINDEX album : albums)
+      plan.Add(std::to_string(album.dwAlbumID), AlbumPath(library).NameOf(album));
     return CarryOut(invocation, plan, change, [&] {
       for (const ALBUMINDEX album : albums)
         library.Call([&](auto& catalogue) {

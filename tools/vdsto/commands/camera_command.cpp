@@ -71,9 +71,7 @@ struct CameraAdd {
     };
     ChangePlan plan{.noun = "name",
                     .participle = lenses ? "added to your lenses" : "added to your models"};
-    for (const std::string& name : wanted)
-      is_new(name) ? plan.changed.push_back(name) : void(++plan.unchanged);
-    plan.names = plan.changed;
+    for (const std::string& name : wanted) plan.AddUnless(!is_new(name), name, name);
     return CarryOut(invocation, plan, change, [] {});
   }
 

@@ -32,13 +32,9 @@ ExitCode ChangeFolders(Invocation& invocation, Library& library, const FolderWor
   for (const uint32_t id : SelectFolders(library, words)) {
     FOLDERINFO folder;
     library.Call([&](auto& catalogue) { return catalogue.GetFolderInfo(id, folder); });
-    if (change.is_done(folder)) {
-      ++plan.unchanged;
-      continue;
-    }
-    ids.Add(id);
-    plan.changed.push_back(std::to_string(static_cast<int32_t>(id)));
-    plan.names.push_back(paths.NameOf(id));
+    const bool is_done = change.is_done(folder);
+    if (!is_done) ids.Add(id);
+    plan.AddUnless(is_done, std::to_string(static_cast<int32_t>(id)), paths.NameOf(id));
   }
   return CarryOut(invocation, plan, options, [&] { change.apply(ids); });
 }

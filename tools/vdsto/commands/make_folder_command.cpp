@@ -51,12 +51,11 @@ struct MakeFolder {
       if (FolderAt(library, path) != vdstomgr::kNoFolder) {
         RefuseUnlessParents(path);
         ++plan.unchanged;
-      } else if (std::find(plan.changed.begin(), plan.changed.end(), path) == plan.changed.end()) {
+      } else {
         RequireMakeable(library, path, plan.changed);
-        plan.changed.push_back(path);
+        plan.AddNew(path);
       }
     }
-    plan.names = plan.changed;
     return CarryOut(invocation, plan, change, [&] {
       for (const std::string& path : plan.changed) EnsureFolder(library, path);
     });

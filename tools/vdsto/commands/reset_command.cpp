@@ -149,8 +149,7 @@ struct Reset {
     for (const Emptyable* table : tables) {
       const int count = library.Call([&](auto& catalogue) { return table->count(catalogue); });
       const std::string line = std::string(table->name) + ": " + std::to_string(count);
-      plan.changed.emplace_back(table->name);
-      plan.names.push_back(line);
+      plan.Add(table->name, line);
       rows += (rows.empty() ? " (" : ", ") + line;
     }
     plan.participle += rows + ")";

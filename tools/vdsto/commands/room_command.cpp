@@ -64,10 +64,8 @@ struct RoomCreate {
     for (const Name& name : ReadNames(names, std::cin)) {
       const std::string text = Composed(name.text);
       RequireFreeName(library, text);
-      if (std::find(plan.changed.begin(), plan.changed.end(), text) == plan.changed.end())
-        plan.changed.push_back(text);
+      plan.AddNew(text);
     }
-    plan.names = plan.changed;
     return CarryOut(invocation, plan, change, [&] {
       for (const std::string& name : plan.changed) Create(library, name);
     });
@@ -102,12 +100,7 @@ struct RoomRename {
     const std::string name = Composed(new_name);
     RequireFreeName(library, name, room.szRoomName);
     ChangePlan plan{"room", "renamed " + Printable(name)};
-    if (name == room.szRoomName) {
-      plan.unchanged = 1;
-    } else {
-      plan.changed = {std::to_string(room.dwRoomID)};
-      plan.names = {room.szRoomName};
-    }
+    plan.AddUnless(name == room.szRoomName, std::to_string(room.dwRoomID), room.szRoomName);
     SetName(room, name);
     return CarryOut(invocation, plan, change, [&] {
       library.Call([&](auto& catalogue) { return catalogue.SetRoomInfo(room); });
@@ -134,8 +127,7 @@ struct RoomDelete {
         throw ToolError(ExitCode::kRefused, "room 0, the gallery, cannot be deleted");
       if (std::find(ids.begin(), ids.end(), room.dwRoomID) != ids.end()) continue;
       ids.Add(room.dwRoomID);
-      plan.changed.push_back(std::to_string(room.dwRoomID));
-      plan.names.emplace_back(room.szRoomName);
+      plan.Add(std::to_string(room.dwRoomID), room.szRoomName);
     }
     return CarryOut(invocation, plan, change, [&] {
       for (const DWORD id : ids)

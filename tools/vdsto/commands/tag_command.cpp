@@ -98,8 +98,7 @@ ChangePlan PlanFor(Library& library, const std::vector<TAGINFO>& tags,
   std::unordered_set<std::string> guids;
   ChangePlan plan{.noun = "tag", .participle = participle};
   for (const TAGINFO& tag : tags) {
-    plan.changed.push_back(std::to_string(tag.dwTagID));
-    plan.names.push_back(tag.szTagName);
+    plan.Add(std::to_string(tag.dwTagID), tag.szTagName);
     for (const CString& guid : PhotosWithTag(library, tag.dwTagID)) guids.insert(guid.Str());
   }
   plan.is_final = !guids.empty();
@@ -182,12 +181,7 @@ struct TagRename {
     ChangePlan plan{.noun = "tag", .participle = "named " + Printable(wanted)};
     const auto other = FindTag(library, wanted);
     if (other && other->dwTagID != known.dwTagID) throw Taken(known, *other);
-    if (wanted == known.szTagName) {
-      ++plan.unchanged;
-    } else {
-      plan.changed.push_back(std::to_string(known.dwTagID));
-      plan.names.emplace_back(known.szTagName);
-    }
+    plan.AddUnless(wanted == known.szTagName, std::to_string(known.dwTagID), known.szTagName);
     return CarryOut(invocation, plan, change,
                     [&] { Rename(library, known.dwTagID, wanted, other.has_value()); });
   }
