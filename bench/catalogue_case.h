@@ -44,5 +44,6 @@ struct OurCatalogue : CRkPhotoDBManager {
 std::vector<Case> PhotoCases();
 std::vector<Case> FolderCases();
 std::vector<Case> StatementCases();
+std::vector<Case> QueueCases();
 
 }  // namespace bench
