@@ -49,5 +49,6 @@ std::vector<Case> FolderCases();
 std::vector<Case> StatementCases();
 std::vector<Case> ListCases();
 std::vector<Case> SummaryCases();
+std::vector<Case> QueueCases();
 
 }  // namespace bench

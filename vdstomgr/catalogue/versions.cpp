@@ -43,6 +43,7 @@ bool Versions::CreateSyncUploadListTable(CRkDaoDatabase& database) {
     if (version == kSyncUploadListVersion) return true;
     if (!version.IsEmpty()) m_db->RunOn(database, "DROP TABLE SyncUploadList");
     m_db->RunOn(database, "%s", Raw(kCreateSyncUploadList));
+    for (const char* index : kIndexSyncUploadList) m_db->RunOn(database, "%s", Raw(index));
     m_db->RunOn(database,
                 "INSERT INTO VersionInfo(szName, szVersion) values('SyncUploadList', '%s')",
                 kSyncUploadListVersion);

@@ -20,6 +20,12 @@ inline constexpr char kCreateSyncUploadList[] =
     "szExifString VARCHAR(255), bOnlyOneTime BYTE, bPostEndMsgToSyncDlg BYTE, "
     "byteResume BYTE)";
 
+/// The claim of the first ready row, and the row of a GUID.
+inline constexpr const char* kIndexSyncUploadList[] = {
+    "CREATE INDEX IX1_SyncUploadList ON SyncUploadList (szGUID)",
+    "CREATE INDEX IX2_SyncUploadList ON SyncUploadList (nStatus, nDispOrder)",
+};
+
 inline constexpr char kCreatePhotoTrashMaster[] =
     "CREATE TABLE PhotoTrashMaster ("
     "szGUID CHAR(36) NOT NULL PRIMARY KEY, szMD5 CHAR(40), szFileName MEMO, "
@@ -76,7 +82,12 @@ inline constexpr const char* kCreateStatements[] = {
     "CREATE INDEX IX2_UploadList ON UploadList (szGUID)",
     "CREATE INDEX IX3_UploadList ON UploadList (nStatus)",
     "CREATE INDEX IX4_UploadList ON UploadList (nStatus, nDispOrder)",
+    // The claims of small files and of thumbnails to be made.
+    "CREATE INDEX IX5_UploadList ON UploadList (nStatus, byteSmall, nDispOrder)",
+    "CREATE INDEX IX6_UploadList ON UploadList (nStatus, byteSmall, nThumbStatus, nDispOrder)",
     kCreateSyncUploadList,
+    kIndexSyncUploadList[0],
+    kIndexSyncUploadList[1],
     "CREATE TABLE UploadTag ("
     "szGUID CHAR(36), dwTagID INTEGER, CONSTRAINT IC0_PHOTOTAG PRIMARY KEY(szGUID, dwTagID))",
     "CREATE INDEX IX1_UploadTag ON UploadTag (dwTagID)",
