@@ -43,6 +43,7 @@ struct OurCatalogue : CRkPhotoDBManager {
 
 std::vector<Case> PhotoCases();
 std::vector<Case> FolderCases();
+std::vector<Case> TagCases();
 std::vector<Case> StatementCases();
 
 }  // namespace bench

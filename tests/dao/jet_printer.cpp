@@ -24,6 +24,11 @@ TEST(JetPrinter, StatementsInTheEnginesDialect) {
        R"(MAX("s") COLLATE ~ IN (?3, "s"))"},
       {"SELECT x.s FROM (SELECT * FROM T WHERE id IN (1,2) ORDER BY s) AS x ORDER BY x.s DESC",
        R"(SELECT "x"."s" FROM (SELECT * FROM "T" WHERE "id" IN (?1, ?2)) AS "x" ORDER BY "x"."s" DESC)"},
+      // a list of keys leads
+      {"SELECT a.* FROM T AS a INNER JOIN I AS b ON a.s = b.s",
+       R"(SELECT "a".* FROM "T" AS "a" JOIN "I" AS "b" NOT INDEXED ON "a"."s" = "b"."s")"},
+      {"SELECT a.* FROM T AS a INNER JOIN I AS b ON a.s = b.s WHERE a.id = 1",
+       R"(SELECT "a".* FROM "T" AS "a" JOIN "I" AS "b" ON "a"."s" = "b"."s" WHERE "a"."id" = ?1)"},
       {"Create Table IX  (szGUID CHAR(36) PRIMARY KEY)",
        R"(CREATE TABLE "IX" ("szGUID" CHAR(36) COLLATE ~ CONSTRAINT "key.szGUID" NOT NULL )"
        R"(CONSTRAINT "size.szGUID" CHECK (length("szGUID") <= 36), PRIMARY KEY ("szGUID")))"},
