@@ -60,8 +60,8 @@ void Run(const Case& test, const CatalogueMaster& master, RatioTable& table) {
 std::vector<Case> CasesToRun() {
   std::vector<Case> cases;
   const std::regex filter(benchmark::GetBenchmarkFilter());
-  for (const auto& subject : {PhotoCases(), FolderCases(), StatementCases(), ListCases(),
-                              SummaryCases(), QueueCases()}) {
+  for (const auto& subject : {PhotoCases(), FolderCases(), TagCases(), StatementCases(),
+                              ListCases(), SummaryCases(), QueueCases()}) {
     for (const Case& test : subject) {
       if (std::regex_search(test.name, filter)) cases.push_back(test);
     }

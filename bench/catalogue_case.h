@@ -46,6 +46,7 @@ struct OurCatalogue : CRkPhotoDBManager {
 
 std::vector<Case> PhotoCases();
 std::vector<Case> FolderCases();
+std::vector<Case> TagCases();
 std::vector<Case> StatementCases();
 std::vector<Case> ListCases();
 std::vector<Case> SummaryCases();

@@ -23,6 +23,7 @@
 #include "vdstomgr/records/folder_ids.h"
 #include "vdstomgr/records/folder_info.h"
 #include "vdstomgr/records/folder_maps.h"
+#include "vdstomgr/records/gallery_items.h"
 #include "vdstomgr/records/guid.h"
 #include "vdstomgr/records/notify_info.h"
 #include "vdstomgr/records/photo_info.h"

@@ -26,8 +26,17 @@ PHOTOINFO LongPhoto(const char* guid) {
 
 // What the operations are given; made before anything fails.
 const CDWordArray kFolders{1, 2};
+const CDWordArray kTags{1, 2};
 const PhotoArray kNew{LongPhoto("n"), LongPhoto("m")};
 const std::string kLongName(300, 'f');
+
+/// Answers the number of groups; a failure in the middle of one leaves nothing behind.
+int ListsOfBothTags(OpenCatalogue& c, bool by_tag) {
+  ItemGroupArray groups;
+  const int answer = c.Lock_FilteredTagItemList(groups, kTags, by_tag, 255, 255);
+  c.Free_FilteredTagItemList(groups);
+  return answer;
+}
 
 const Operation kOperations[] = {
     {"versions", [](auto& c) { return c.SetVersionInfo("CameraLens", "2001-01-01 00:00:00"); }},
@@ -51,6 +60,13 @@ const Operation kOperations[] = {
     {"flag", [](auto& c) { return c.SetFlag(kBoth, 2, true); }},
     {"tag", [](auto& c) { return c.AddTag(kBoth, 2, true); }},
     {"tag names", [](auto& c) { return c.GetTagNames(kBoth, 9) == "a long name of a tag"; }},
+    {"by tag", [](auto& c) { return ListsOfBothTags(c, true) == 2; }},
+    {"by all tags", [](auto& c) { return ListsOfBothTags(c, false) == 1; }},
+    {"icon",
+     [](auto& c) {
+       GA_TBITEMINFO item;
+       return c.GetFolderIcon(1, item);
+     }},
     {"room", [](auto& c) { return c.DelRoomInfo(1); }},
     {"album", [](auto& c) { return c.GetAlbumPath(1, 2) == "a long name of a room/one/two"; }},
     {"trash",
@@ -101,8 +117,10 @@ class CatalogueFaultTest : public CatalogueTest {
           "values (1, 2, 1, 'two')"})
       RunBeside(statement);
     for (const CString& guid : kBoth) {
-      ASSERT_TRUE(catalogue_.AddPhotoInfo(Photo(guid.Str(), 1), false));
-      ASSERT_TRUE(catalogue_.AddTag(guid, 1, true));
+      PHOTOINFO photo = Photo(guid.Str(), 1, "a long name of a photo.jpg");
+      photo.SetLTBURL("store:a long location of a thumbnail");
+      ASSERT_TRUE(catalogue_.AddPhotoInfo(photo, false));
+      for (const DWORD tag : kTags) ASSERT_TRUE(catalogue_.AddTag(guid, tag, true));
     }
     ASSERT_TRUE(catalogue_.CloseDB());
     std::filesystem::copy_file(file_, Path("template.db"));

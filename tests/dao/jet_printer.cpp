@@ -27,8 +27,8 @@ TEST(JetPrinter, StatementsInTheEnginesDialect) {
       // beside a whole key other columns tell no groups apart; no row lacks a key
       {"SELECT a.s, COUNT(b.s) AS n FROM T AS a INNER JOIN I AS b ON a.s = b.s GROUP BY a.id, a.s, "
        "b.s",
-       R"(SELECT "a"."s", COUNT(*) AS "n" FROM "T" AS "a" JOIN "I" AS "b" ON "a"."s" = "b"."s" )"
-       R"(GROUP BY "a"."id", "b"."s")"},
+       R"(SELECT "a"."s", COUNT(*) AS "n" FROM "T" AS "a" JOIN "I" AS "b" NOT INDEXED ON "a"."s" = )"
+       R"("b"."s" GROUP BY "a"."id", "b"."s")"},
       {"SELECT s, COUNT(d) FROM T GROUP BY s, d",
        R"(SELECT "s", COUNT("d") AS "Expr1000" FROM "T" GROUP BY "s", "d")"},
       {"SELECT COUNT(a.id), COUNT(b.id), COUNT(c.id) FROM (T AS a LEFT JOIN U AS b ON a.s = b.s) "
@@ -40,6 +40,11 @@ TEST(JetPrinter, StatementsInTheEnginesDialect) {
       {"DELETE FROM T AS a WHERE b NOT IN (SELECT id FROM U)",
        R"(DELETE FROM "T" WHERE rowid IN (SELECT "a".rowid FROM "T" AS "a" WHERE "b" NOT IN )"
        R"((SELECT "id" FROM "U")))"},
+      // a list of keys leads
+      {"SELECT a.* FROM T AS a INNER JOIN I AS b ON a.s = b.s",
+       R"(SELECT "a".* FROM "T" AS "a" JOIN "I" AS "b" NOT INDEXED ON "a"."s" = "b"."s")"},
+      {"SELECT a.* FROM T AS a INNER JOIN I AS b ON a.s = b.s WHERE a.id = 1",
+       R"(SELECT "a".* FROM "T" AS "a" JOIN "I" AS "b" ON "a"."s" = "b"."s" WHERE "a"."id" = ?1)"},
       {"Create Table IX  (szGUID CHAR(36) PRIMARY KEY)",
        R"(CREATE TABLE "IX" ("szGUID" CHAR(36) COLLATE ~ CONSTRAINT "key.szGUID" NOT NULL )"
        R"(CONSTRAINT "size.szGUID" CHECK (length("szGUID") <= 36), PRIMARY KEY ("szGUID")))"},

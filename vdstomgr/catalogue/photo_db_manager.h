@@ -22,6 +22,7 @@
 ///   photos.h              whole photo records, and questions about photos
 ///   photo_attributes.h    single attributes of photos: titles, flags, rotation, days
 ///   tags.h                tags and the photos that carry them
+///   gallery_items.h       items for the browser views: folder icons, photos by tag
 ///   rooms.h, albums.h     rooms, their albums and the photos in them
 ///   trash.h               deleted photos
 ///   sync_process.h        handing changed photos over to the synchronisation

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "vdstomgr/catalogue/tags.h"
+#include "vdstomgr/catalogue/gallery_items.h"
 #include "vdstomgr/records/room_info.h"
 
 namespace vdstomgr::catalogue {
 
 /// Rooms, in which albums are. Their ids come from elsewhere.
-class VDSTO_API Rooms : public Tags {
+class VDSTO_API Rooms : public GalleryItems {
  public:
   /// False when the id is taken or the name does not fit.
   bool AddRoomInfo(const ROOMINFO& room);

@@ -15,6 +15,10 @@ constexpr std::int32_t TimeOrZero(std::int32_t time) {
   return time == -1 ? 0 : time;
 }
 
+/// The start of a time's local day, in seconds since 1970. A day that skips its midnight begins
+/// later.
+VDSTO_API std::int32_t LocalMidnight(std::int32_t time);
+
 /// Both sides of a photo without a thumbnail, in pixels.
 inline constexpr WORD kPlaceholderSide = 400;
 

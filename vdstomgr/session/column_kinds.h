@@ -127,6 +127,17 @@ constexpr Column<Record> UncheckedDate(const char* name) {
   return column;
 }
 
+/// A time that has a setter with a rule of its own, which a null column is read through too, as 0.
+/// Never written.
+template <auto setter, class Record = RecordOf<setter>>
+constexpr Column<Record> RuledDate(const char* name) {
+  return {name,
+          [](const dao::Field& field, Record& record, std::string& text) {
+            (record.*setter)(TimeFromText(AsText(field, text)));
+          },
+          nullptr};
+}
+
 /// The day of a time: written beside its date, never read back.
 template <auto member, class Record = RecordOf<member>>
 constexpr Column<Record> Day(const char* name) {

@@ -54,13 +54,37 @@ class VDSTO_CAPABILITY RecursiveLock {
   RecursiveLock& operator=(const RecursiveLock&) = delete;
 
   operator CRITICAL_SECTION&() { return section_; }
-  /// For operations that return with the lock held, and the ones that give it back: clang's analysis
-  /// does not follow a lock from one call of the host to another, so these two are not told to it.
+  /// For operations that return with the lock held, and the ones that give it back: clang's
+  /// analysis does not follow a lock from one call of the host to another, so these two are not
+  /// told to it.
   void Enter() VDSTO_NO_THREAD_SAFETY { EnterCriticalSection(&section_); }
   void Leave() VDSTO_NO_THREAD_SAFETY { LeaveCriticalSection(&section_); }
 
  private:
   CRITICAL_SECTION section_;
+};
+
+/// A lock that one call of a host takes and a later one of the same thread gives back. Giving back
+/// what the thread does not hold does nothing.
+class LentLock {
+ public:
+  void Lend() {
+    lock_.Enter();
+    ++loans_;
+  }
+  void TakeBack() VDSTO_NO_THREAD_SAFETY {
+    CRITICAL_SECTION& section = lock_;
+    if (!TryEnterCriticalSection(&section)) return;  // another thread's
+    if (loans_ > 0) {
+      --loans_;
+      LeaveCriticalSection(&section);
+    }
+    LeaveCriticalSection(&section);
+  }
+
+ private:
+  RecursiveLock lock_;
+  int loans_ = 0;  // of the thread that holds the lock
 };
 
 }  // namespace vdstomgr

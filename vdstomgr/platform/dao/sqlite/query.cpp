@@ -14,25 +14,27 @@ namespace {
 using dao::Error;
 using dao::Kind;
 
-std::string_view Bytes(sqlite3_stmt* statement, int column, const void* data) {
-  return {static_cast<const char*>(data),
-          static_cast<size_t>(sqlite3_column_bytes(statement, column))};
+std::string_view Bytes(sqlite3_value* value, const void* bytes) {
+  return {static_cast<const char*>(bytes), static_cast<size_t>(sqlite3_value_bytes(value))};
+}
+
+/// The bytes that lie in the page: read as a text they would be copied, to put a zero behind them.
+const void* TextOf(sqlite3_value* value) {
+  return sqlite3_value_encoding(value) == SQLITE_UTF8 ? sqlite3_value_blob(value)
+                                                      : sqlite3_value_text(value);
 }
 
 dao::Field ReadField(sqlite3_stmt* statement, int column) {
-  switch (sqlite3_column_type(statement, column)) {
+  sqlite3_value* const value = sqlite3_column_value(statement, column);
+  switch (sqlite3_value_type(value)) {
     case SQLITE_INTEGER:
-      return {Kind::Integer, sqlite3_column_int64(statement, column), 0, {}};
+      return {Kind::Integer, sqlite3_value_int64(value), 0, {}};
     case SQLITE_FLOAT:
-      return {Kind::Real, 0, sqlite3_column_double(statement, column), {}};
-    case SQLITE_TEXT: {
-      const unsigned char* text = sqlite3_column_text(statement, column);
-      return {Kind::Text, 0, 0, Bytes(statement, column, text)};
-    }
-    case SQLITE_BLOB: {
-      const void* blob = sqlite3_column_blob(statement, column);
-      return {Kind::Binary, 0, 0, Bytes(statement, column, blob)};
-    }
+      return {Kind::Real, 0, sqlite3_value_double(value), {}};
+    case SQLITE_TEXT:
+      return {Kind::Text, 0, 0, Bytes(value, TextOf(value))};
+    case SQLITE_BLOB:
+      return {Kind::Binary, 0, 0, Bytes(value, sqlite3_value_blob(value))};
     default:
       return {};
   }

@@ -76,7 +76,9 @@ class SqlPrinter {
   void RequireOneColumn(const jet::Select& select) const;
   /// FROM to HAVING
   std::string Body(const jet::Select& select) const;
-  std::string Sources(const jet::From& from) const;
+  bool PicksByList(const jet::Select& select) const;
+  /// `last_hint` goes behind the last source's name.
+  std::string Sources(const jet::From& from, std::string_view last_hint = {}) const;
   std::string Source(const jet::Source& source) const;
   std::string SortKey(const jet::SortKey& key, std::span<const OutputColumn> numbered) const;
   std::string Where(const jet::ExprPtr& condition) const;
