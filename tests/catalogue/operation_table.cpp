@@ -4,36 +4,12 @@ namespace vdstomgr {
 
 namespace {
 
-constexpr const char* kTables[] = {"Config_ActiveFolder",
-                                   "FolderInfo",
-                                   "TagInfo",
-                                   "PhotoTag",
-                                   "RoomInfo",
-                                   "AlbumInfo",
-                                   "PhotoAlbum",
-                                   "UploadList",
-                                   "SyncUploadList",
-                                   "UploadTag",
-                                   "UploadAlbum",
-                                   "PhotoRP",
-                                   "PhotoOP",
-                                   "CameraModel",
-                                   "CameraLens",
-                                   "MyCameraModel",
-                                   "MyCameraLens",
-                                   "VersionInfo",
-                                   "PhotoMaster",
-                                   "PhotoTrashMaster",
-                                   "PhotoSyncProcess",
-                                   "NotifyFolder_Tree",
-                                   "NotifyFolder_List",
-                                   "NotifyDate_Tree",
-                                   "NotifyDate_List",
-                                   "NotifyTag_Tree",
-                                   "NotifyTag_List",
-                                   "NotifyTrash_List",
-                                   "IX_PT",
-                                   "IX_PT1"};
+constexpr const char kTables[] =
+    "Config_ActiveFolder FolderInfo TagInfo PhotoTag RoomInfo AlbumInfo PhotoAlbum UploadList "
+    "SyncUploadList UploadTag "
+    "UploadAlbum PhotoRP PhotoOP CameraModel CameraLens MyCameraModel MyCameraLens VersionInfo "
+    "PhotoMaster PhotoTrashMaster PhotoSyncProcess NotifyFolder_Tree NotifyFolder_List "
+    "NotifyDate_Tree NotifyDate_List NotifyTag_Tree NotifyTag_List NotifyTrash_List IX_PT IX_PT1";
 
 }  // namespace
 
@@ -43,8 +19,8 @@ void OperationTest::Check(const std::vector<Operation>& operations) {
     {
       CRkDaoDatabase database;
       database.Open(file_.c_str());
-      for (const char* table : kTables)
-        database.ExecuteOrThrow((std::string("DELETE FROM ") + table).c_str());
+      for (const std::string& table : Split(kTables, " "))
+        database.ExecuteOrThrow(("DELETE FROM " + table).c_str());
       for (const char* statement : operation.before) database.ExecuteOrThrow(statement);
     }
     EXPECT_EQ(operation.call(catalogue_), operation.answer);

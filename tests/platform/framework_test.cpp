@@ -1,29 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <unordered_set>
 
-#include "vdstomgr/platform/common/callback.h"
 #include "vdstomgr/platform/framework/array.h"
 #include "vdstomgr/platform/framework/cstring.h"
 #include "vdstomgr/platform/framework/map.h"
 
 namespace {
-
-TEST(String, StandsBesideEveryKindOfText) {
-  CString text = "x";
-  const std::string string(text);
-  const std::string_view view = text;
-  EXPECT_TRUE(text == "x" && "x" == text && text == string && string == text && text == view);
-  EXPECT_TRUE(text < "y" && "a" < text && text != CString("X") && text >= view);
-  EXPECT_EQ('a' + text + "b" + string + view + CString('c', 2), "axbxxcc");
-  text += text;
-  text += text;
-  EXPECT_EQ(text, "xxxx");
-  EXPECT_EQ(CString(nullptr) + static_cast<const char*>(nullptr), "");
-  EXPECT_EQ(CString("ab\0c", 4).GetLength(), 4);
-  EXPECT_EQ(std::unordered_set<CString>({"a", "a", "b"}).size(), 2u);
-}
 
 TEST(String, FormatsItsOwnTextAndLongOnes) {
   CString text = "abc";
@@ -125,21 +108,6 @@ TEST(Map, IsWalkedWhileItsItemsGo) {
   CString value = "untouched";
   EXPECT_FALSE(map.Lookup(7, value) || map.RemoveKey(7));
   EXPECT_EQ(value, "untouched");
-}
-
-TEST(Callback, IsAValueAndMayBeEmpty) {
-  std::vector<std::tuple<DWORD, DWORD, bool>> calls;
-  const CRkCallback callback = [&](DWORD done, DWORD total, const char*, bool flag) {
-    calls.emplace_back(done, total, flag);
-  };
-  const auto report = [](CRkCallback progress) {
-    progress.SetProgress(1, 2, nullptr, true);
-    progress.SetProgress(3, "text");
-  };
-  report(callback);
-  report(0);
-  report(nullptr);
-  EXPECT_EQ(calls, (decltype(calls){{1, 2, true}, {3, 0, false}}));
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #if !defined(_WIN32)
 #include <poll.h>
 #include <signal.h>
-#include <sys/resource.h>
 
 #include "tests/storage/storage_test.h"
 #include "vdstomgr/storage/array_file.h"
@@ -70,18 +69,6 @@ TEST_F(Processes, AnotherOneFindsRecordsWhileTheyMove) {
   EXPECT_EQ(vdstomgr::ReadStorage(path.c_str(), "none", data), StorageLookup::NoRecord);
   EXPECT_EQ(vdstomgr::ReadStorage(path.c_str(), DWORD{5}, data), StorageLookup::Unreadable);
   Kill(writer);
-}
-
-TEST_F(Processes, ALimitOnTheSizeIsAFalse) {
-  const std::string path = NewArray("a");
-  EXPECT_EQ(Run([&] {
-              const rlimit limit{5 << 20, 5 << 20};
-              CRkFileArrayManager array;
-              return setrlimit(RLIMIT_FSIZE, &limit) == 0 && array.OpenFile(path.c_str()) &&
-                     !array.Add(UnitOf(1).data()) && array.GetSize() == 0;
-            }),
-            0);
-  EXPECT_EQ(std::filesystem::file_size(path), 32u);
 }
 
 /// Adds at both ends and removes the last; the numbers of those that must be there go through a

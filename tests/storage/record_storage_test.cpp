@@ -1,7 +1,3 @@
-#include <algorithm>
-#include <cstdio>
-#include <sstream>
-
 #include "tests/storage/faulty_environment.h"
 #include "tests/storage/record_test.h"
 #include "vdstomgr/storage/array_file.h"
@@ -109,24 +105,6 @@ TEST_F(Records, AreHeldOneAtATimeAndSharedByCopies) {
   EXPECT_FALSE(storage_.IsFileOpened());
 }
 
-TEST_F(Records, ShowTheirClustersInOrderToWhoHasTheFile) {
-  Make(kText, 2);
-  for (int i = 0; i < 300; ++i) ASSERT_TRUE(Put(std::to_string(i * 37 % 100), "x"));
-  CRkFileArrayManager* const clusters = storage_.GetClusterArray();
-  const auto expect_order = [&] {
-    const auto* units = static_cast<const char*>(clusters->GetArrayPtr());
-    for (int i = 1; i < clusters->GetSize(); ++i) {
-      ASSERT_LE(std::string(units + 20 * (i - 1), 2), std::string(units + 20 * i, 2));
-    }
-  };
-  expect_order();
-  ASSERT_TRUE(Put("00", "x") && storage_.RemoveAt(150));
-  expect_order();
-  clusters->RemoveAt(0);
-  EXPECT_EQ(storage_.GetSize(), 299);
-  EXPECT_EQ(storage_.FindString("00", true), 2);  // behind the two that are left of "0"
-}
-
 TEST_F(Records, LoseTheRemovedOnesAndTheirOrderInACompaction) {
   Make(kText, 4);
   for (const char* key : {"c", "a", "b"}) ASSERT_TRUE(Put(key, key));
@@ -201,28 +179,5 @@ TEST_F(Records, AreSafeFromAPowerCutOnceSynced) {
   EXPECT_EQ(storage_.GetSize(), 3);
   EXPECT_EQ(Take(1), "b");
 }
-
-#if !defined(_WIN32)
-TEST_F(Records, AreWhatAReaderWrittenFromThePageFinds) {
-  Make(kText, 12);
-  std::string expected;
-  for (int i = 0; i < 200; ++i) {
-    const std::string key = "key-" + std::to_string(i * 7919 % 100000) + "\xB0\xA1";
-    const std::string data(static_cast<std::size_t>(i * i), static_cast<char>(i));
-    ASSERT_TRUE(Put(key, data, i % 3 == 0));
-    if (i % 5 == 0) {
-      ASSERT_TRUE(storage_.RemoveAt(storage_.FindString(key.c_str(), true)));
-    } else {
-      expected += Hex((key + std::string(12, '\0')).substr(0, 12)) + " " + Hex(data) + "\n";
-    }
-  }
-  const auto script = std::filesystem::path(VDSTO_TESTS_FOLDER) / "storage/read_storage.py";
-  FILE* const reader = popen(("python3 " + script.string() + " " + path_).c_str(), "r");
-  std::string output;
-  for (int c = fgetc(reader); c != EOF; c = fgetc(reader)) output += static_cast<char>(c);
-  EXPECT_EQ(pclose(reader), 0);
-  EXPECT_EQ(output, expected);
-}
-#endif
 
 }  // namespace

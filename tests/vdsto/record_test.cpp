@@ -85,23 +85,6 @@ TEST(PhotoRecord, WhatTheUserSetStays) {
   EXPECT_EQ(guid, photo.szGUID);
 }
 
-TEST(BoundedQueue, HandsEveryItemOverAndEnds) {
-  BoundedQueue<int> queue(3);
-  std::atomic<int> sum = 0;
-  {
-    std::vector<std::jthread> readers;
-    for (int i = 0; i < 3; ++i) {
-      readers.emplace_back([&] {
-        while (const auto item = queue.Pop()) sum += *item;
-      });
-    }
-    for (int i = 1; i <= 1000; ++i) EXPECT_TRUE(queue.Push(i));
-    queue.Close();
-  }
-  EXPECT_EQ(sum, 500500);
-  EXPECT_FALSE(queue.Push(1));
-}
-
 TEST(BoundedQueue, CancelWakesWhoWaitsAndDropsTheRest) {
   BoundedQueue<int> queue(1);
   queue.Push(1);
