@@ -99,6 +99,7 @@ TEST_F(UploadFileTest, BadLinesEndTheLoadAndWhatWasLoadedStays) {
       {"", 0},
       {"1|a|b|10|c|0|d|2\r\n2|a|b|10|c|0|d|3\r\n" + good, 1},
       {good + garbage + "\r\n" + good, 1},
+      {good + std::string(garbage.size(), '|') + "\r\n" + good, 3},
       {good + std::string("\0\0|\0", 4) + good, 2},
       {good + "99999999999999999999|g||x|||||99999999999|9|9|9\r\n" + good, 3},
       {good + "-99999999999|||||-||-99999999999\r\n" + good, 3},

@@ -102,32 +102,17 @@ TEST_F(UploadOrderTest, ReorderingIsThatOfAList) {
 TEST_F(UploadOrderTest, RangesAreNumberedFromTheirFirst) {
   Fill("a:0 b:0 c:0 d:0 e:0");
   RunBeside("UPDATE UploadList SET nDispOrder = nDispOrder * 10");
-  struct Case {
-    int from, to;
-    bool front;
-    CDWordArray selected;
-    const char* after;
-    CDWordArray left;
-  };
-  const Case cases[] = {
-      {1, 3, true, {3}, "10 a,20 d,21 b,22 c,50 e", {}},
-      {0, 4, false, {0, 4, 9}, "10 d,11 b,12 a,12 c,13 e", {9}},
-      {5, 7, true, {5}, "10 d,11 b,12 a,12 c,13 e", {5}},
-      {3, 2, true, {3}, "10 d,11 b,12 a,12 c,13 e", {3}},
-  };
-  for (const Case& each : cases) {
-    CDWordArray selected = each.selected;
-    EXPECT_TRUE(catalogue_.cRangedSelectionSorting(each.from, each.to, each.front, selected));
-    CStringArray rows;
-    for (const std::string& row :
-         Ask("SELECT nDispOrder, szGUID FROM UploadList ORDER BY nDispOrder, szGUID"))
-      rows.Add(std::string(row).replace(row.find('|'), 1, " "));
-    EXPECT_EQ(Listed(rows), each.after);
-    EXPECT_EQ(Listed(selected), Listed(each.left));
-  }
-  CDWordArray none, beyond{0xFFFFFFFF};
+  CDWordArray middle{3}, wide{0, 4, 9}, beyond{5}, none, nowhere{0xFFFFFFFF};
+  EXPECT_TRUE(catalogue_.cRangedSelectionSorting(1, 3, true, middle));
+  EXPECT_EQ(Queue(), "a:0 d:0 b:0 c:0 e:0");
+  EXPECT_TRUE(catalogue_.cRangedSelectionSorting(0, 4, false, wide));
+  EXPECT_TRUE(catalogue_.cRangedSelectionSorting(5, 7, true, beyond));
+  EXPECT_TRUE(catalogue_.cRangedSelectionSorting(3, 2, true, beyond));
+  EXPECT_THAT(Ask("SELECT nDispOrder, szGUID FROM UploadList ORDER BY nDispOrder, szGUID"),
+              testing::ElementsAre("10|d", "11|b", "12|a", "12|c", "13|e"));
+  EXPECT_EQ(Joined(Listed(middle), Listed(wide), Listed(beyond)), "|9|5");
   EXPECT_EQ(catalogue_.SetUploadReorder_TOP(none), -1);
-  EXPECT_EQ(catalogue_.SetUploadReorder_DOWN(beyond), -1);
+  EXPECT_EQ(catalogue_.SetUploadReorder_DOWN(nowhere), -1);
 }
 
 TEST_F(UploadOrderTest, PositionsAreReadInPages) {

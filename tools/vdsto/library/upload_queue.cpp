@@ -9,6 +9,12 @@ namespace vdsto {
 namespace {
 
 constexpr int kRowsPerCommit = 500;
+constexpr int kRowsPerPart = 1000;
+
+Upload UploadOf(const UPLOADLIST& row, int position) {
+  return {position,         row.szGUID,  row.szFileName, row.szOPPath,
+          row.szServerPath, row.nStatus, row.dxFileSize, row.dxSentBytes};
+}
 
 UPLOADLIST RowOf(const PHOTOINFO& photo, const std::string& folder) {
   UPLOADLIST row;
@@ -23,6 +29,21 @@ UPLOADLIST RowOf(const PHOTOINFO& photo, const std::string& folder) {
 
 }  // namespace
 
+std::vector<Upload> ReadUploads(Library& library) {
+  return library.Call([](auto& catalogue) {
+    const vdstomgr::ScopedLock lock(*catalogue.GetDAOCriticalSection());
+    std::vector<Upload> uploads;
+    vdstomgr::UploadListArray part;
+    do {
+      part.RemoveAll();
+      catalogue.cGetUploadListByIndex(part, kRowsPerPart, static_cast<int>(uploads.size()));
+      for (const UPLOADLIST& row : part)
+        uploads.push_back(UploadOf(row, static_cast<int>(uploads.size())));
+    } while (!part.IsEmpty());
+    return uploads;
+  });
+}
+
 std::vector<Upload> ReadUploads(Library& library, int first, int count) {
   return library.Call([&](auto& catalogue) {
     const vdstomgr::ScopedLock lock(*catalogue.GetDAOCriticalSection());
@@ -31,8 +52,7 @@ std::vector<Upload> ReadUploads(Library& library, int first, int count) {
     for (int i = first; i < rows && i - first < count; ++i) {
       UPLOADLIST row;
       catalogue.GetUploadInfoByIndex(row, i);
-      uploads.push_back({i, row.szGUID, row.szFileName, row.szOPPath, row.szServerPath, row.nStatus,
-                         row.dxFileSize, row.dxSentBytes});
+      uploads.push_back(UploadOf(row, i));
     }
     return uploads;
   });

@@ -30,8 +30,10 @@ constexpr bool IsFinished(int status) {
   return status == 2 || status == 3;
 }
 
-/// The queue in its order, from a position on, at most `count`. Throws ToolError.
-std::vector<Upload> ReadUploads(Library& library, int first = 0, int count = INT32_MAX);
+/// The whole queue in its order. Throws ToolError.
+std::vector<Upload> ReadUploads(Library& library);
+/// A part of it, from a position on, at most `count`; read in pages.
+std::vector<Upload> ReadUploads(Library& library, int first, int count);
 
 /// Throws ToolError when the catalogue does not know where the photo's file is.
 void RequireUploadable(const PHOTOINFO& photo);
