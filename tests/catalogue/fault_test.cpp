@@ -94,8 +94,7 @@ const Operation kOperations[] = {
      [](auto& c) {
        UPLOADLIST row;
        row.SetFileName(kLongName.c_str());
-       c.AddUploadList(row);
-       c.AddUploadList(row);
+       for (int i = 0; i < 2; ++i) c.AddUploadList(row);
        CDWordArray second{1};
        return c.SetUploadReorder_TOP(second) == 0 && c.UpdateSentBytesInUploadInfo("", ~0ull) &&
               c.GetNextUploadList(row) && c.DelUploadList("");

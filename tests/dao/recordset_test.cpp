@@ -1,4 +1,5 @@
 #include "tests/dao/database_fixture.h"
+#include "vdstomgr/platform/dao/engine.h"
 
 namespace {
 
@@ -59,6 +60,21 @@ TEST_F(RecordsetTest, AWalkOutlivesWritesBesideIt) {
   joined.Move(2);
   EXPECT_EQ(Row(joined), "r3|30");  // rows without keys are kept by value
   Run("DROP TABLE T");              // an open recordset does not stand in the way
+}
+
+TEST_F(RecordsetTest, AWindowIsAPartOfAnyQuery) {
+  for (const char* sql : {"SELECT * FROM T WHERE name <> 'it''s' AND id > 1 ORDER BY pos",
+                          "SELECT TOP 4 id, pos, name, b FROM T WHERE id > 1 ORDER BY id"}) {
+    CRkDaoRecordset rs(&db_);
+    rs.Open(dbOpenDynaset, sql);
+    rs.Query().Window(1, 2);
+    EXPECT_EQ(Row(rs), "3|30|r3|0");
+    Run("UPDATE T SET b = 0");  // the rest is noted
+    rs.MoveNext();
+    EXPECT_EQ(Row(rs), "4|40|r4|0");
+    rs.MoveNext();
+    EXPECT_TRUE(rs.IsEOF());
+  }
 }
 
 TEST_F(RecordsetTest, AddEditDeleteAndTheirMisuse) {

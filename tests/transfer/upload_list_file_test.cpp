@@ -35,21 +35,20 @@ class UploadFileTest : public UploadTest {
 
 TEST_F(UploadFileTest, WhatIsNotFinishedIsSavedAndLoadedAsReady) {
   std::ofstream(file) << "old";
-  Insert("done", 1, 2);
-  Insert("done", 2, 3);
+  Fill("a:2 b:3");
   EXPECT_EQ(Saved(), "");
   EXPECT_FALSE(std::filesystem::exists(file)) << "nothing to save leaves no file";
   catalogue_.SaveUploadList((file + "/no/folder").c_str());
   catalogue_.LoadUploadList(file.c_str(), nullptr);
 
-  Insert("failed", -3, -7103, "\xb0\xa1.PNG");
-  Insert("sending", 4, 1);
+  Fill("sending:1 done:2 failed:-7103");
   RunBeside(
       "UPDATE UploadList SET szOPPath = '/o', szServerPath = '/s', byteRotate = 3, "
-      "byteResume = 2, szLTBPath = 'ltb', dxFileSize = '4294967296' WHERE nStatus = -7103");
+      "byteResume = 2, szLTBPath = 'ltb', dxFileSize = '4294967296', nDispOrder = -3, "
+      "szFileName = '\xb0\xa1.PNG' WHERE nStatus = -7103");
   EXPECT_EQ(Saved(),
             "-3|\"failed\"|\"/o\"|4294967296|\"\xb0\xa1.PNG\"|3|\"/s\"|-7103|2\r\n"
-            "4|\"sending\"|\"\"|10|\"a.jpg\"|0|\"\"|1|1\r\n");
+            "1|\"sending\"|\"\"|10|\"a.jpg\"|0|\"\"|1|1\r\n");
   catalogue_.ResetUploadList();
   CDWordArray told;
   CRkCallback progress([&](DWORD done, DWORD total, const char* text, bool flag) {
@@ -60,7 +59,7 @@ TEST_F(UploadFileTest, WhatIsNotFinishedIsSavedAndLoadedAsReady) {
   EXPECT_EQ(told, (CDWordArray{1, 2}));
   EXPECT_THAT(Ask(kLoaded),
               ElementsAre("-3|failed|/o|4294967296|0|\xb0\xa1.PNG|0|1|3|/s|0|2|0|null",
-                          "4|sending||10|0|a.jpg|1|1|0||0|1|0|null"));
+                          "1|sending||10|0|a.jpg|1|1|0||0|1|0|null"));
   UPLOADLIST row = Upload("first in line");
   EXPECT_TRUE(catalogue_.GetNextUploadList(row));
   EXPECT_STREQ(row.szGUID, "failed");
@@ -99,9 +98,8 @@ TEST_F(UploadFileTest, BadLinesEndTheLoadAndWhatWasLoadedStays) {
       {good + good.substr(0, good.size() - 1) + good, 2},
       {"", 0},
       {"1|a|b|10|c|0|d|2\r\n2|a|b|10|c|0|d|3\r\n" + good, 1},
-      {"1|a|b|10|c|0|d|0\r\n", 1},
-      {good + garbage, 1},
       {good + garbage + "\r\n" + good, 1},
+      {good + std::string(garbage.size(), '|') + "\r\n" + good, 3},
       {good + std::string("\0\0|\0", 4) + good, 2},
       {good + "99999999999999999999|g||x|||||99999999999|9|9|9\r\n" + good, 3},
       {good + "-99999999999|||||-||-99999999999\r\n" + good, 3},

@@ -1,16 +1,15 @@
 #pragma once
 
 #include <algorithm>
+#include <sstream>
 #include <string>
 
 #include "operation_table.h"
 
 namespace vdstomgr {
 
-constexpr const char* kQueue = "SELECT szGUID, nStatus FROM UploadList ORDER BY nDispOrder";
-
 template <class Record = UPLOADLIST>
-Record Upload(const char* guid, int status = 0, const char* name = "a.jpg",
+Record Upload(const std::string& guid, int status = 0, const char* name = "a.jpg",
               std::uint64_t bytes = 10) {
   Record record;
   CopyToFixed(record.szGUID, guid);
@@ -20,34 +19,32 @@ Record Upload(const char* guid, int status = 0, const char* name = "a.jpg",
   return record;
 }
 
-/// Every field in its declared order, but for the row's own id.
-inline std::string Fields(const QueuedUpload& record) {
-  std::string wide;
-  for (const char16_t* at = record.wszOPPath; *at != 0; ++at) wide += std::to_string(*at) + ".";
-  return Joined(record.nDispOrder, record.szGUID, record.szOPPath, record.dxFileSize,
-                record.dxSentBytes, record.szFileName, record.byteRotate, record.szServerPath,
-                record.nStatus, wide, record.nThumbStatus, record.szLTBPath, record.szRPPath,
-                record.szExifString, record.byteResume);
-}
-
-template <class Record>
-std::string Guids(const CArray<Record, Record&>& records) {
-  CStringArray guids;
-  for (const Record& record : records) guids.Add(record.szGUID);
-  return Listed(guids);
-}
-
-class UploadTest : public OperationTest {
+class UploadTest : public CatalogueTest {
  protected:
-  /// Adds a row beside the catalogue.
-  void Insert(const std::string& guid, int place, int status, const char* name = "a.jpg") {
-    if (!beside_.IsOpen()) beside_.Open(file_.c_str());
-    beside_.ExecuteOrThrow(
-        ("INSERT INTO UploadList (szGUID, nDispOrder, nStatus, szFileName, byteSmall, "
-         "byteImage, nThumbStatus, dxFileSize, dxSentBytes) values ('" +
-         guid + "', " + std::to_string(place) + ", " + std::to_string(status) + ", '" + name +
-         "', 1, 0, 0, '10', '3')")
-            .c_str());
+  UploadTest() { beside_.Open(file_.c_str()); }
+
+  void RunBeside(const std::string& statement) { beside_.ExecuteOrThrow(statement.c_str()); }
+  /// The queue anew, of "guid:status" in the order of places from 1 on, which is not that of rows.
+  void Fill(const std::string& queue) {
+    catalogue_.ResetUploadList();
+    std::istringstream words(queue);
+    std::vector<std::string> rows;
+    for (std::string word; words >> word;) rows.insert(rows.begin(), word);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      const std::size_t colon = rows[i].find(':');
+      RunBeside(
+          "INSERT INTO UploadList (szGUID, nStatus, nDispOrder, szFileName, byteSmall, "
+          "byteImage, nThumbStatus, dxFileSize, dxSentBytes) values ('" +
+          rows[i].substr(0, colon) + "', " + rows[i].substr(colon + 1) + ", " +
+          std::to_string(rows.size() - i) + ", 'a.jpg', 1, 0, 0, '10', '3')");
+    }
+  }
+  /// The same from the table.
+  std::string Queue() {
+    std::string queue;
+    for (std::string row : Ask("SELECT szGUID, nStatus FROM UploadList ORDER BY nDispOrder"))
+      queue += (queue.empty() ? "" : " ") + row.replace(row.find('|'), 1, ":");
+    return queue;
   }
 
  private:

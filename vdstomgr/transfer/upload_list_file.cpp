@@ -19,6 +19,7 @@ namespace {
 /// The fields of a line in their order.
 enum Field { kPlace, kGuid, kPath, kSize, kName, kRotate, kServerPath, kStatus, kResume };
 constexpr int kFewestFields = kStatus + 1;
+constexpr int kMostFields = kResume + 1;  // that mean something
 
 struct TextField {
   Field field;
@@ -109,8 +110,8 @@ void AddLines(DatabaseSession& db, CsvReader& reader, const CRkCallback& progres
               std::uint64_t small_limit) {
   Rows queue = db.Select("SELECT * FROM UploadList");
   CStringArray fields;
-  for (int line = reader.Read(fields); line != -1 && fields.GetSize() >= kFewestFields;
-       line = reader.Read(fields)) {
+  int line = 0;
+  while ((line = reader.Read(fields, kMostFields)) != -1 && fields.GetSize() >= kFewestFields) {
     if (IsFinished(NumberOf(fields[kStatus]))) continue;
     progress.SetProgress(static_cast<DWORD>(line), nullptr);
     AddLine(queue->Recordset(), fields, small_limit);

@@ -88,6 +88,15 @@ Command& Command::Option(const char* names, const char* type, std::string& value
   return *this;
 }
 
+Command& Command::NumberOption(const char* names, const char* type, int& value, const char* help) {
+  app_.add_option_function<std::string>(
+          names,
+          [=, &value](const std::string& word) { value = NumberFrom(type, word, 1, INT32_MAX); },
+          help)
+      ->type_name(type);
+  return *this;
+}
+
 Command& Command::RequiredOption(const char* names, const char* type, std::string& value,
                                  const char* help) {
   AddText(app_, names, value, std::string(help) + "; needed")->type_name(type)->required();
@@ -112,8 +121,8 @@ Command& Command::Photo(std::string& word) {
       "A file of this computer, a catalogue path, a GUID, or a name that only one photo has");
 }
 
-Command& Command::Photos(PhotoWords& words) {
-  return List(words, "PHOTO", "The photos, named as said below")
+Command& Command::Photos(PhotoWords& words, bool is_required) {
+  return List(words, "PHOTO", "The photos, named as said below", is_required)
       .Flag("-r,--recursive", words.recursive, "With a folder, the photos of all folders below too")
       .Notes(kPhotoNotes);
 }

@@ -36,6 +36,8 @@ class Command {
   Command& Number(const char* name, int& value, int least, int most, const char* help);
   /// An option with a value, "-o,--output"; `type` stands for the value in the help.
   Command& Option(const char* names, const char* type, std::string& value, const char* help);
+  /// An option whose value is a whole number from 1 on.
+  Command& NumberOption(const char* names, const char* type, int& value, const char* help);
   Command& RequiredOption(const char* names, const char* type, std::string& value,
                           const char* help);
   Command& Flag(const char* names, bool& value, const char* help);
@@ -44,7 +46,7 @@ class Command {
 
   /// Exactly one photo; CataloguePath::Photo knows which.
   Command& Photo(std::string& word);
-  Command& Photos(PhotoWords& words);
+  Command& Photos(PhotoWords& words, bool is_required = true);
   Command& Folders(FolderWords& words);
   /// Exactly one tag, or one that is to be made.
   Command& Tag(std::string& word);

@@ -17,6 +17,7 @@ void AddDescribe(CommandGroup& tool);
 void AddRotate(CommandGroup& tool);
 void AddFlag(CommandGroup& tool);
 void AddCamera(CommandGroup& tool);
+void AddUpload(CommandGroup& tool);
 void AddSync(CommandGroup& tool);
 void AddNotify(CommandGroup& tool);
 void AddStat(CommandGroup& tool);

@@ -30,12 +30,12 @@ CsvReader::CsvReader(CBinData text, CString separator, CString line_end)
       separator_(std::move(separator)),
       line_end_(std::move(line_end)) {}
 
-int CsvReader::Read(CStringArray& fields) {
+int CsvReader::Read(CStringArray& fields, int most_fields) {
   fields.RemoveAll();
   if (rest_.empty()) return -1;
   std::string_view line = Take(rest_, line_end_);
   bool more = true;
-  while (more) {
+  while (more && fields.GetSize() < most_fields) {
     const std::size_t before = line.size();
     const std::string_view field = Take(line, separator_);
     more = before != field.size();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <limits>
 #include <string_view>
 
 #include "vdstomgr/platform/framework/array.h"
@@ -14,8 +15,8 @@ class CsvReader {
   /// An empty separator makes each line one field, an empty line end the whole text one line.
   CsvReader(CBinData text, CString separator, CString line_end);
 
-  /// As CUtilityLib::ReadCSV.
-  int Read(CStringArray& fields);
+  /// As CUtilityLib::ReadCSV, but of a line with more fields the first ones only.
+  int Read(CStringArray& fields, int most_fields = std::numeric_limits<int>::max());
 
  private:
   CBinData text_;
