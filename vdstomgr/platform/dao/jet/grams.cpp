@@ -3,18 +3,9 @@
 namespace vdstomgr::jet {
 namespace {
 
-constexpr char32_t kFirstSyllable = 0xAC00, kLastSyllable = 0xD7A3;
-constexpr char32_t kSyllablesPerInitial = 21 * 28;
 constexpr char kInitialsMark = '\xFF';  // begins no character
 
-constexpr char16_t kInitials[] = u"ㄱㄲㄴㄷㄸㄹㅁㅂㅃㅅㅆㅇㅈㅉㅊㅋㅌㅍㅎ";
-
 }  // namespace
-
-char32_t InitialOf(char32_t character) {
-  if (character < kFirstSyllable || character > kLastSyllable) return character;
-  return kInitials[(character - kFirstSyllable) / kSyllablesPerInitial];
-}
 
 GramTerm& GramTerm::Pair(char32_t first, char32_t second) {
   size_ = 0;

@@ -5,6 +5,7 @@
 
 #include "vdstomgr/platform/text/ascii.h"
 #include "vdstomgr/platform/text/case_folding.h"
+#include "vdstomgr/platform/text/hangul.h"
 #include "vdstomgr/platform/text/utf8.h"
 
 namespace vdstomgr::jet {
@@ -23,10 +24,6 @@ struct Gram {
 
   bool operator==(const Gram&) const = default;
 };
-
-/// The consonant that a Hangul syllable begins with, as the letter that is typed for it; any other
-/// character is its own.
-char32_t InitialOf(char32_t character);
 
 /// Bytes that are no character stand above the last one, in order.
 inline constexpr char32_t kFirstInvalid = 0x110000;
@@ -60,10 +57,6 @@ class GramTerm {
   std::size_t size_ = 0;
 };
 
-constexpr bool IsHangulConsonant(char32_t character) {
-  return character >= 0x3131 && character <= 0x314E;
-}
-
 constexpr bool IsAsciiCharacter(char32_t character) {
   return character < 0x80;
 }
@@ -86,7 +79,7 @@ void ForEachGram(std::string_view text, Take take) {
       const bool is_triple = is_ascii && IsAsciiCharacter(last) && !ends;
       if (!is_triple && !take(term.Pair(last, character).View())) return;
       const char32_t initials[] = {InitialOf(last), InitialOf(character)};
-      if ((IsHangulConsonant(initials[0]) || IsHangulConsonant(initials[1])) &&
+      if ((IsConsonant(initials[0]) || IsConsonant(initials[1])) &&
           !take(term.Initials(initials[0], initials[1]).View()))
         return;
     }

@@ -23,8 +23,7 @@ LikePattern::GramPart LikePattern::PartOf(const Element& element) {
   const auto is_some = [&](const Range& r) { return r.first == some && r.last == some; };
   // Between two syllables of one initial there are no others.
   const auto has_initial = [&](const Range& r) {
-    const bool is_one =
-        r.first == r.last || (InitialOf(r.first) != r.first && InitialOf(r.last) != r.last);
+    const bool is_one = r.first == r.last || (IsSyllable(r.first) && IsSyllable(r.last));
     return is_one && InitialOf(r.first) == initial && InitialOf(r.last) == initial;
   };
   GramPart part;
@@ -54,7 +53,7 @@ std::vector<Gram> LikePattern::RequiredGrams(std::size_t most) const {
     } else if (one && two) {
       add(GramTerm().Pair(*one, *two));
     } else if (one_initial && two_initial &&
-               (IsHangulConsonant(*one_initial) || IsHangulConsonant(*two_initial))) {
+               (IsConsonant(*one_initial) || IsConsonant(*two_initial))) {
       add(GramTerm().Initials(*one_initial, *two_initial));
     } else {
       is_paired = false;
