@@ -33,6 +33,7 @@
 #include "vdstomgr/records/tag_info.h"
 #include "vdstomgr/records/trash_photo_info.h"
 #include "vdstomgr/records/upload_list.h"
+#include "vdstomgr/search/initials.h"
 #include "vdstomgr/search/query_builder.h"
 #include "vdstomgr/search/search_db_manager.h"
 #include "vdstomgr/storage/array_file.h"

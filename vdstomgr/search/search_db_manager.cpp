@@ -1,5 +1,6 @@
 #include "vdstomgr/search/search_db_manager.h"
 
+#include "vdstomgr/platform/dao/engine.h"
 #include "vdstomgr/search/search_schema.h"
 #include "vdstomgr/session/database_session.h"
 
@@ -12,6 +13,13 @@ constexpr const char* kVersionedTables[] = {"SearchPhotoMaster", "SearchFolderIn
 bool IsOutOfDate(DatabaseSession& db, const char* table) {
   Rows rows = db.Select("SELECT * FROM VersionInfo WHERE szName = '%s'", table);
   return rows.HasRow() && !rows->IsNull("szVersion") && rows->Text("szVersion") != kSearchVersion;
+}
+
+void MakeSearchIndexes(DatabaseSession& db) {
+  for (const char* statement : kSearchIndexStatements) db.Run("%s", Raw(statement));
+  dao::Connection& connection = db.Database().Connection();
+  connection.IndexTexts("SearchPhotoMaster", "szFileName");
+  connection.IndexTexts("SearchFolderInfo", "szFolderName");
 }
 
 }  // namespace
@@ -36,9 +44,13 @@ void CRkSearchDBManager::cFillNewFile() {
   for (const char* table : kVersionedTables)
     m_db->RunOrThrow("INSERT INTO VersionInfo(szName, szVersion) values('%s', '%s')", table,
                      kSearchVersion);
+  MakeSearchIndexes(*m_db);
 }
 
+// What the searches stand on: the order of the two that a column without an index has, and the
+// indexes of names. A file that was made without them gets them here.
 void CRkSearchDBManager::cPrepareOpenedFile() {
+  MakeSearchIndexes(*m_db);
   InitServerNameCache();
   DeleteSubFolders(m_mapSubFolder);
   m_bSubFolderMapMade = false;

@@ -5,6 +5,7 @@
 #include "vdstomgr/platform/os/lock.h"
 #include "vdstomgr/records/folder_maps.h"
 #include "vdstomgr/records/photo_info.h"
+#include "vdstomgr/search/initials.h"
 #include "vdstomgr/session/database_owner.h"
 
 class CRkDaoRecordset;
@@ -138,6 +139,11 @@ class VDSTO_API CRkSearchDBManager : public vdstomgr::DatabaseOwner {
                      vdstomgr::VisitedFolders& visited, bool recursive);
 
  private:
+  friend int vdstomgr::SearchFileNameByInitials(CRkSearchDBManager& search, const char* text,
+                                                vdstomgr::PhotoArray& photos, int max);
+  friend int vdstomgr::SearchFolderNameByInitials(CRkSearchDBManager& search, const char* text,
+                                                  vdstomgr::FolderArray& folders, int max);
+
   CRITICAL_SECTION m_csOwn;                                     // until the host gives one
   CMap<DWORD, DWORD, CString, const CString&> m_mapServerName;  // both caches: under the lock
   vdstomgr::SubFolderMap m_mapSubFolder;                        // the arrays owned

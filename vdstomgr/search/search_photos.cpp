@@ -117,6 +117,18 @@ int CRkSearchDBManager::SearchFolderName(const char* text, FolderArray& folders,
   return AppendFirst(*m_db, folders, max, kSearchFolderColumns, "%s", Raw(query));
 }
 
+int vdstomgr::SearchFileNameByInitials(CRkSearchDBManager& search, const char* text,
+                                       PhotoArray& photos, int max) {
+  const CString query = BuildInitialsQuery("SearchPhotoMaster", "szFileName", text);
+  return AppendFirst(*search.m_db, photos, max, kSearchPhotoColumns, "%s", Raw(query));
+}
+
+int vdstomgr::SearchFolderNameByInitials(CRkSearchDBManager& search, const char* text,
+                                         FolderArray& folders, int max) {
+  const CString query = BuildInitialsQuery("SearchFolderInfo", "szFolderName", text);
+  return AppendFirst(*search.m_db, folders, max, kSearchFolderColumns, "%s", Raw(query));
+}
+
 bool CRkSearchDBManager::cGetPhotoInfoByRS(CRkDaoRecordset& rs, PHOTOINFO& photo) {
   if (rs.IsEOF()) return false;
   photo = kSearchPhotoColumns.ReadFresh(rs);

@@ -21,4 +21,11 @@ inline constexpr const char* kCreateSearchStatements[] = {
     "CREATE INDEX IX4_PhotoMaster ON SearchPhotoMaster (szFileName)",
 };
 
+/// Indexes that searches are ordered by, beside those that the layout has always had; they are made
+/// when a file without them is opened.
+inline constexpr const char* kSearchIndexStatements[] = {
+    "CREATE INDEX IX2_FOLDERDB ON SearchFolderInfo (szFolderName)",
+    "CREATE INDEX IX5_PhotoMaster ON SearchPhotoMaster (dxFileSize DESC)",
+};
+
 }  // namespace vdstomgr

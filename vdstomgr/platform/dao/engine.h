@@ -86,6 +86,11 @@ class Connection {
   virtual void BeginGroup() = 0;
   virtual void EndGroup() = 0;
 
+  /// Sees to it that the texts of a column have an index by which LIKE with texts to be found
+  /// anywhere ("*text*") finds its rows. The file keeps it in step from then on. One that is there
+  /// is made anew when it is not of this form or does not match the rows.
+  virtual void IndexTexts(std::string_view table, std::string_view column) = 0;
+
   /// Encrypts the file anew; an empty password leaves it plain.
   virtual void SetPassword(std::string_view password) = 0;
 };

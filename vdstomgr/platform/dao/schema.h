@@ -12,9 +12,10 @@ enum class ColumnType { Byte, Integer, Counter, Double, Text, LongText };
 struct ColumnSchema {
   std::string name;
   ColumnType type = ColumnType::Integer;
-  int size = 0;           ///< most characters of a Text column (CHAR(n), VARCHAR(n)); else 0
-  bool required = false;  ///< NOT NULL was declared
-  bool key = false;       ///< part of the primary key, so never null
+  int size = 0;             ///< most characters of a Text column (CHAR(n), VARCHAR(n)); else 0
+  bool required = false;    ///< NOT NULL was declared
+  bool key = false;         ///< part of the primary key, so never null
+  bool text_index = false;  ///< its texts have an index for LIKE
 };
 
 struct TableSchema {

@@ -10,18 +10,15 @@
 namespace vdstomgr::jet {
 namespace {
 
-constexpr char32_t kFirstInvalid = 0x110000;
-
-// Takes the character at `at`, folded. A byte that is no character is one of its own.
-char32_t TakeFolded(std::string_view text, size_t& at) {
-  const auto byte = static_cast<unsigned char>(text[at]);
-  if (byte < 0x80) {
-    ++at;
-    return static_cast<unsigned char>(LowerAscii(text[at - 1]));
-  }
-  const DecodedCharacter character = DecodeUtf8(text.substr(at));
-  at += character.bytes;
-  return character.code == kInvalidCharacter ? kFirstInvalid + byte : FoldCase(character.code);
+/// Is it the only character of its folding? Only such ones can be looked for byte by byte. Letters
+/// of scripts with two cases are not.
+bool HasOneForm(char32_t character) {
+  const bool is_hangul = character >= 0xAC00 && character <= 0xD7A3;
+  const bool is_jamo = character >= 0x3131 && character <= 0x318E;
+  const bool is_han = character >= 0x4E00 && character <= 0x9FFF;
+  return (character < 0x80 &&
+          (character < 'A' || (character > 'Z' && character < 'a') || character > 'z')) ||
+         is_hangul || is_jamo || is_han;
 }
 
 }  // namespace
@@ -50,6 +47,22 @@ LikePattern::LikePattern(std::string_view pattern) {
       elements_.push_back({Kind::Character, folded});
     }
   }
+  FindPlainPart();
+}
+
+void LikePattern::FindPlainPart() {
+  const size_t count = elements_.size();
+  if (count < 3 || elements_.front().kind != Element::Kind::AnyText ||
+      elements_.back().kind != Element::Kind::AnyText) {
+    return;
+  }
+  std::string part;
+  for (size_t i = 1; i + 1 < count; ++i) {
+    const std::optional<char32_t> character = PartOf(elements_[i]).character;
+    if (!character || !HasOneForm(*character)) return;
+    AppendCharacter(*character, part);
+  }
+  plain_part_ = std::move(part);
 }
 
 // An empty list matches nothing but the empty text between two characters, so it adds no element;
@@ -87,9 +100,14 @@ bool LikePattern::MatchesOne(const Element& element, char32_t folded) {
   }
 }
 
+bool LikePattern::Matches(std::string_view text) const {
+  if (!plain_part_.empty()) return text.find(plain_part_) != std::string_view::npos;
+  return MatchesElements(text);
+}
+
 // On a mismatch only the last '*' has to take one character more: what an earlier one could take in
 // addition, the last can take as well.
-bool LikePattern::Matches(std::string_view text) const {
+bool LikePattern::MatchesElements(std::string_view text) const {
   const size_t count = elements_.size();
   size_t element = 0;
   size_t behind_star = 0;  // the element behind the last '*'; 0 when there was none

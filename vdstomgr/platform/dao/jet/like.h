@@ -1,7 +1,11 @@
 #pragma once
 
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
+
+#include "vdstomgr/platform/dao/jet/grams.h"
 
 namespace vdstomgr::jet {
 
@@ -18,6 +22,10 @@ class LikePattern {
   /// pattern multiplied at worst, whatever the pattern.
   bool Matches(std::string_view text) const;
 
+  /// Pieces that every text it matches has, at most `most` of them, spread over the pattern; none
+  /// when nothing can be said. Either all or none are starts of pieces.
+  std::vector<Gram> RequiredGrams(std::size_t most) const;
+
  private:
   struct Range {
     char32_t first, last;  // folded
@@ -29,10 +37,21 @@ class LikePattern {
     std::vector<Range> ranges = {};  // In, NotIn
   };
 
+  /// What a gram can be made of: an element that stands for one character, or for characters of
+  /// one initial.
+  struct GramPart {
+    std::optional<char32_t> character, initial;
+  };
+
   static bool MatchesOne(const Element& element, char32_t folded);
+  static GramPart PartOf(const Element& element);
+  bool MatchesElements(std::string_view text) const;
   void AddList(std::string_view list);
+  void FindPlainPart();
 
   std::vector<Element> elements_;
+  /// Of "*text*" whose characters have no other case: the text. Otherwise empty.
+  std::string plain_part_;
 };
 
 /// The same for a pattern that is used once.

@@ -45,8 +45,14 @@ Compiler::Compiled Compiler::Compile(std::string_view shape, std::span<const jet
   PrintOptions options;
   options.skip_failing_rows = mode == dao::RunMode::SkipFailingRows;
   if (literals.size() > kMostParameters) options.inline_literals = literals;
+  options.literals = static_cast<int>(literals.size());
+  options.searches_texts = options.inline_literals.empty();
   Printed printed;
   StatementHandle handle = PrepareTree(tree, options, printed);
+  if (printed.text_query && SortsRows(printed.sql)) {  // a pause would be sorted with them
+    options.searches_texts = false;
+    handle = PrepareTree(tree, options, printed);
+  }
   assert(!known_plan || known_plan->kind == printed.kind);
   auto plan = known_plan ? std::move(known_plan) : MakePlan(handle.get(), printed);
   // A schema statement's literals are part of what it means, so another one must not find it.
@@ -86,11 +92,21 @@ StatementHandle Compiler::Prepare(const std::string& sql) const {
   return handle;
 }
 
+bool Compiler::SortsRows(const std::string& sql) const {
+  const StatementHandle plan = Prepare("EXPLAIN QUERY PLAN " + sql);
+  while (sqlite3_step(plan.get()) == SQLITE_ROW) {
+    const auto* step = reinterpret_cast<const char*>(sqlite3_column_text(plan.get(), 3));
+    if (step && std::string_view(step).find("TEMP B-TREE") != std::string_view::npos) return true;
+  }
+  return false;
+}
+
 std::shared_ptr<const Plan> Compiler::MakePlan(sqlite3_stmt* statement,
                                                const Printed& printed) const {
   auto plan = std::make_shared<Plan>();
   plan->kind = printed.kind;
   plan->editable_table = printed.editable_table;
+  plan->text_query = printed.text_query;
   const int hidden = printed.editable_table.empty() ? 0 : 1;
   const int shown = sqlite3_column_count(statement) - hidden;
   std::vector<dao::ColumnSchema> columns;

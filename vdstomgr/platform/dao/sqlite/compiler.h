@@ -37,6 +37,8 @@ class Compiler {
  private:
   StatementHandle PrepareTree(const jet::Statement& tree, PrintOptions options,
                               Printed& printed) const;
+  /// Does the engine put rows in order before it shows them?
+  bool SortsRows(const std::string& sql) const;
   std::shared_ptr<const Plan> MakePlan(sqlite3_stmt* statement, const Printed& printed) const;
   void DescribeRows(Plan& plan) const;
 

@@ -2,11 +2,15 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <cassert>
 
+#include "vdstomgr/platform/dao/dao_exception.h"
 #include "vdstomgr/platform/dao/sqlite/errors.h"
 #include "vdstomgr/platform/dao/sqlite/query.h"
 #include "vdstomgr/platform/dao/sqlite/table_writer.h"
+#include "vdstomgr/platform/dao/sqlite/text_index.h"
+#include "vdstomgr/platform/dao/sqlite/text_search.h"
 
 namespace vdstomgr::sqlite {
 namespace {
@@ -24,14 +28,6 @@ int BindLiteral(sqlite3_stmt* statement, int place, const jet::Literal& literal)
       return sqlite3_bind_double(statement, place, literal.real);
   }
   return SQLITE_MISUSE;
-}
-
-void BindLiterals(sqlite3* db, sqlite3_stmt* statement, std::span<const jet::Literal> literals) {
-  const int places = sqlite3_bind_parameter_count(statement);
-  assert(static_cast<size_t>(places) <= literals.size());
-  for (int place = 1; place <= places; ++place) {
-    Check(db, BindLiteral(statement, place, literals[static_cast<size_t>(place) - 1]), "");
-  }
 }
 
 }  // namespace
@@ -53,6 +49,7 @@ Connection::~Connection() {
 }
 
 int Connection::Execute(std::string_view sql, dao::RunMode mode) {
+  MendTextIndexes();
   const auto statement = Prepare(sql, mode);
   const StatementKind kind = statement->GetPlan().kind;
   if (kind == StatementKind::Select) dao::Throw(dao::Error::NotAnActionQuery);
@@ -63,11 +60,50 @@ int Connection::Execute(std::string_view sql, dao::RunMode mode) {
 }
 
 std::unique_ptr<dao::Query> Connection::Open(std::string_view sql) {
+  MendTextIndexes();
   auto statement = Prepare(sql, dao::RunMode::WholeStatement);
   if (statement->GetPlan().kind != StatementKind::Select) {
     dao::Throw(dao::Error::InvalidOperation);
   }
-  return std::make_unique<Query>(*this, std::move(statement));
+  std::unique_ptr<TextSearch> search;
+  if (statement->GetPlan().text_query) {
+    search = std::make_unique<TextSearch>(*this, statement->SharedPlan(), shape_.Literals());
+    search->Bind(statement->Handle());
+  }
+  return std::make_unique<Query>(*this, std::move(statement), std::move(search));
+}
+
+void Connection::Bind(sqlite3_stmt* statement, std::span<const jet::Literal> literals) {
+  const auto places = static_cast<size_t>(sqlite3_bind_parameter_count(statement));
+  for (size_t i = 0; i < std::min(places, literals.size()); ++i) {
+    Check(db_.get(), BindLiteral(statement, static_cast<int>(i) + 1, literals[i]), "");
+  }
+}
+
+void Connection::IndexTexts(std::string_view table, std::string_view column) {
+  if (!TextIndex(*this, table, column).IsCurrent()) MakeTextIndex(table, column);
+  const std::pair<std::string, std::string> known(table, column);
+  if (std::ranges::find(text_indexes_, known) == text_indexes_.end()) {
+    text_indexes_.push_back(known);
+  }
+}
+
+void Connection::MakeTextIndex(std::string_view table, std::string_view column) {
+  BeginGroup();
+  try {
+    TextIndex(*this, table, column).MakeAnew();
+  } catch (...) {
+    EndGroup();
+    throw;
+  }
+  EndGroup();
+  SchemaChanged();
+}
+
+void Connection::MendTextIndexes() {
+  if (!doubts_text_indexes_ || !queries_.empty()) return;
+  doubts_text_indexes_ = false;
+  for (const auto& [table, column] : text_indexes_) MakeTextIndex(table, column);
 }
 
 void Connection::EndGroup() {
@@ -96,7 +132,7 @@ std::unique_ptr<Statement> Connection::Prepare(std::string_view sql, dao::RunMod
     statement = std::move(compiled.statement);
     if (compiled.serves_others) cache.Adopt(shape_.Key(), *statement);
   }
-  BindLiterals(db_.get(), statement->Handle(), shape_.Literals());
+  Bind(statement->Handle(), shape_.Literals());
   return statement;
 }
 
@@ -117,6 +153,7 @@ int Connection::Write(sqlite3_stmt* statement) {
   for (Query* query : queries_) query->NoteRemainingRows();
   if (group_depth_ > 0 && sqlite3_get_autocommit(db_.get())) Begin();
   const int code = sqlite3_step(statement);
+  if (code == SQLITE_CORRUPT_VTAB) DoubtTextIndexes();
   if (code != SQLITE_DONE) {
     const struct Reset {
       sqlite3_stmt* statement;
@@ -142,8 +179,22 @@ void Connection::Begin() {
   writes_in_transaction_ = 0;
 }
 
+// A row that could not be put into its index stays noted.
+void Connection::TakeTextChanges() {
+  if (text_indexes_.empty()) return;
+  Run("SAVEPOINT texts");
+  try {
+    for (const auto& [table, column] : text_indexes_) TextIndex(*this, table, column).TakeChanges();
+  } catch (const CDaoException&) {
+    DoubtTextIndexes();
+    Run("ROLLBACK TO texts");
+  }
+  Run("RELEASE texts");
+}
+
 void Connection::Commit() {
   writes_in_transaction_ = 0;
+  TakeTextChanges();
   const int code = sqlite3_step(commit_.get());
   sqlite3_reset(commit_.get());
   if (code == SQLITE_DONE) return;

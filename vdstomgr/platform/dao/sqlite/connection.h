@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -36,6 +37,7 @@ class Connection final : public dao::Connection {
   void BeginGroup() override { ++group_depth_; }
   void EndGroup() override;
   void SetPassword(std::string_view password) override;
+  void IndexTexts(std::string_view table, std::string_view column) override;
 
   sqlite3* Handle() const { return db_.get(); }
 
@@ -47,6 +49,13 @@ class Connection final : public dao::Connection {
 
   /// The same, for the caller to keep.
   StatementHandle PrepareToKeep(const std::string& sql) { return compiler_.Prepare(sql); }
+
+  /// Binds the literals of a statement's shape.
+  void Bind(sqlite3_stmt* statement, std::span<const jet::Literal> literals);
+
+  /// Something is wrong with an index of texts: they are looked through, and made anew where
+  /// needed, before the next statement that is not in the middle of something.
+  void DoubtTextIndexes() { doubts_text_indexes_ = true; }
 
   /// The writer of a table's rows.
   TableWriter& Writer(const std::string& table);
@@ -65,6 +74,9 @@ class Connection final : public dao::Connection {
   void Begin();
   void Commit();
   void SchemaChanged();
+  void MakeTextIndex(std::string_view table, std::string_view column);
+  void MendTextIndexes();
+  void TakeTextChanges();
 
   std::string path_;
   DatabaseHandle db_;
@@ -78,6 +90,8 @@ class Connection final : public dao::Connection {
   std::vector<Query*> queries_;
   StatementHandle begin_;
   StatementHandle commit_;
+  std::vector<std::pair<std::string, std::string>> text_indexes_;  // table and column
+  bool doubts_text_indexes_ = false;
   int group_depth_ = 0;
   int writes_in_transaction_ = 0;
 };

@@ -14,6 +14,7 @@
 #include "vdstomgr/platform/dao/jet/like.h"
 #include "vdstomgr/platform/dao/number_text.h"
 #include "vdstomgr/platform/dao/sqlite/errors.h"
+#include "vdstomgr/platform/dao/sqlite/text_search.h"
 #include "vdstomgr/platform/text/case_folding.h"
 
 namespace vdstomgr::sqlite {
@@ -73,6 +74,14 @@ void Like(Context* context, int, Argument** arguments) {
     sqlite3_result_int(context, pattern->Matches(TextOf(arguments[1])) ? 1 : 0);
     if (made) sqlite3_set_auxdata(context, 0, made.release(), DeletePattern);
   });
+}
+
+// vdsto_search(search, text): the LIKE tests of a query on a column with a text index.
+void Search(Context* context, int, Argument** arguments) {
+  auto* search = static_cast<TextSearch*>(sqlite3_value_pointer(arguments[0], kTextSearchPointer));
+  if (!search || IsNull(arguments[1])) return;
+  Guard(context,
+        [&] { sqlite3_result_int(context, search->Passes(TextOf(arguments[1])) ? 1 : 0); });
 }
 
 // The whole number that an operand of MOD or \ counts as: rounded first.
@@ -209,6 +218,11 @@ void InstallFunctions(sqlite3* db) {
   Check(db,
         sqlite3_create_function(db, "jet_single", 1, kFlags, nullptr, nullptr, SingleStep,
                                 SingleFinal),
+        "");
+  // Not the same from call to call.
+  Check(db,
+        sqlite3_create_function(db, "vdsto_search", 2, SQLITE_UTF8 | SQLITE_DIRECTONLY, nullptr,
+                                Search, nullptr, nullptr),
         "");
 }
 

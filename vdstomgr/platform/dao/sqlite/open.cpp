@@ -9,6 +9,7 @@
 #include "vdstomgr/platform/dao/sqlite/database_file.h"
 #include "vdstomgr/platform/dao/sqlite/errors.h"
 #include "vdstomgr/platform/dao/sqlite/functions.h"
+#include "vdstomgr/platform/dao/sqlite/gram_tokenizer.h"
 
 namespace vdstomgr::sqlite {
 namespace {
@@ -99,6 +100,7 @@ void ProveReadable(sqlite3* db, FileForm form, const std::string& path) {
     Run(db, "PRAGMA cache_size = -65536", path);
     ReadInteger(db, "SELECT count(*) FROM sqlite_schema", path);
     Run(db, "PRAGMA journal_mode = WAL", path);
+    InstallGramTokenizer(db);  // reads the schema, too
   } catch (const CDaoException& error) {
     const auto code = static_cast<Error>(error.Code());
     if (code == Error::NotADatabase && form == FileForm::Encrypted) Throw(Error::InvalidPassword);

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "vdstomgr/platform/dao/sqlite/sql_printer.h"
+#include "vdstomgr/platform/dao/sqlite/sql_text.h"
+#include "vdstomgr/platform/dao/sqlite/text_index.h"
 #include "vdstomgr/platform/text/ascii.h"
 
 namespace vdstomgr::sqlite {
@@ -31,23 +33,41 @@ struct StatementPrinter {
 
   Printed operator()(const jet::Select& select) const {
     const jet::Source* source = EditableSource(select);
-    if (!source) return {printer.Query(select, {}), StatementKind::Select, {}};
+    if (!source) return {printer.Query(select, {}), StatementKind::Select, {}, {}};
     const auto& table = RequireTable(schema, source->table, dao::Error::UnknownTable);
     const QueryForm form{.rowid_of = source->alias.empty() ? table.name : source->alias};
-    return {printer.Query(select, form), StatementKind::Select, table.name};
+    const auto texts = options.searches_texts && select.where ? FindTextFilter(*select.where, table)
+                                                              : std::nullopt;
+    if (texts) return Searching(select, table, *texts, form);
+    return {printer.Query(select, form), StatementKind::Select, table.name, {}};
+  }
+  Printed Searching(const jet::Select& select, const dao::TableSchema& table,
+                    const TextFilter& texts, QueryForm form) const {
+    const std::string candidates =
+        TextIndex::CandidatesSql(table.name, texts.column->name, options.literals + 2);
+    form.texts = &texts;
+    Printed printed{printer.Query(select, form), StatementKind::Select, table.name, TextQuery()};
+    form.candidates = candidates;
+    printed.text_query->test = texts.test;
+    printed.text_query->parameter = options.literals + 1;
+    printed.text_query->candidates_sql = printer.Query(select, form);
+    printed.text_query->count_sql = TextIndex::CandidatesSql(table.name, texts.column->name, 1);
+    printed.text_query->matches_sql = TextIndex::MatchesSql(table.name, texts.column->name, 1);
+    printed.text_query->last_row_sql = "SELECT max(rowid) FROM " + QuoteName(table.name);
+    return printed;
   }
   Printed operator()(const jet::Insert& insert) const {
-    return {printer.Action(insert), StatementKind::Insert, {}};
+    return {printer.Action(insert), StatementKind::Insert, {}, {}};
   }
   Printed operator()(const jet::Update& update) const {
-    return {printer.Action(update), StatementKind::Update, {}};
+    return {printer.Action(update), StatementKind::Update, {}, {}};
   }
   Printed operator()(const jet::Delete& statement) const {
-    return {printer.Action(statement), StatementKind::Delete, {}};
+    return {printer.Action(statement), StatementKind::Delete, {}, {}};
   }
   template <class SchemaStatement>
   Printed operator()(const SchemaStatement& statement) const {
-    return {printer.Schema(statement), StatementKind::Schema, {}};
+    return {printer.Schema(statement), StatementKind::Schema, {}, {}};
   }
 };
 

@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "vdstomgr/platform/dao/jet/ast.h"
 #include "vdstomgr/platform/dao/schema.h"
@@ -16,6 +17,7 @@
 ///   jet_real(x)      numeric text as a number, anything else as it is
 ///   jet_single(x)    aggregate: the value of the only row, null without a row, an error with more
 ///   like(pattern, text)   the dialect's LIKE
+///   vdsto_search(search, text)   the LIKE tests of a TextQuery
 /// and the collation kTextOrderName.
 namespace vdstomgr::sqlite {
 
@@ -25,6 +27,10 @@ struct PrintOptions {
   /// Empty: the n-th literal of the shape is printed as ?n. Otherwise the literals themselves are
   /// printed, for statements with more literals than the engine has parameters.
   std::span<const jet::Literal> inline_literals = {};
+  /// How many literals the shape has.
+  int literals = 0;
+  /// May LIKE tests on a column with a text index be printed as a search of texts?
+  bool searches_texts = false;
   /// Columns that the engine did not know ("name" or "table.name"), to be printed as NULL: so one
   /// can prepare again and find the next unknown one.
   std::span<const std::string> unknown_columns = {};
@@ -32,12 +38,32 @@ struct PrintOptions {
 
 enum class StatementKind { Select, Insert, Update, Delete, Schema };
 
+/// LIKE tests on one column, under AND and OR.
+struct TextTest {
+  enum class Kind { Like, All, Any };
+  Kind kind = Kind::Like;
+  int literal = 0;  ///< Like: the pattern's place in the shape's list
+  std::vector<TextTest> parts;
+};
+
+/// A query that asks TextSearch instead of LIKE, which it is given in a parameter: in one form for
+/// the walk through all rows (Printed::sql), and in one for the rows that the index names.
+struct TextQuery {
+  TextTest test;
+  int parameter = 0;           ///< where both take the search; the second takes the match behind it
+  std::string candidates_sql;  ///< the rows that the index names, in the query's order
+  std::string count_sql;       ///< their keys; its parameter 1 is the match
+  std::string matches_sql;     ///< the same without rows that have changed lately, in order
+  std::string last_row_sql;    ///< the highest key of the table
+};
+
 struct Printed {
   std::string sql;
   StatementKind kind = StatementKind::Select;
   /// Select: the base table whose rows, one for one, the query shows in columns of their own names.
   /// Then the printed SELECT has one more output column, the last: the rowid. Otherwise empty.
   std::string editable_table;
+  std::optional<TextQuery> text_query;
 };
 
 /// Prints a statement. Throws UnknownTable, UnknownOutputTable, TableMissing, UnknownInsertField,

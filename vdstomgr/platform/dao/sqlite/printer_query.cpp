@@ -70,6 +70,11 @@ std::string SqlPrinter::Query(const jet::Select& select, const QueryForm& form) 
     sql += " ORDER BY " +
            Join(select.order_by, ", ", [&](const auto& key) { return SortKey(key, numbered); });
   }
+  if (!form.candidates.empty()) {  // rows that are equal in the order stand as the walk shows them
+    const bool descending = !select.order_by.empty() && select.order_by.back().descending;
+    sql += (select.order_by.empty() ? " ORDER BY " : ", ") + QuoteName(form.rowid_of) + ".rowid" +
+           (descending ? " DESC" : "");
+  }
   if (select.top) sql += " LIMIT " + LiteralValue(*select.top);
   return sql;
 }
@@ -102,7 +107,7 @@ std::string SqlPrinter::Core(const jet::Select& select, const QueryForm& form) c
   std::string sql = std::string("SELECT ") + (select.distinct ? "DISTINCT " : "");
   sql += Items(select, form);
   if (!form.rowid_of.empty()) sql += ", " + QuoteName(form.rowid_of) + ".rowid";
-  return sql + Body(select);
+  return sql + Body(select, form);
 }
 
 // A star stays a star unless its columns need other names.
@@ -150,13 +155,13 @@ void SqlPrinter::RequireOneColumn(const jet::Select& select) const {
   }
 }
 
-std::string SqlPrinter::Body(const jet::Select& select) const {
+std::string SqlPrinter::Body(const jet::Select& select, const QueryForm& form) const {
   std::string sql;
   // Walks the list and looks its rows up: the engine, which knows no sizes, would do it the other
   // way round when the list has an index.
   const char* const hint = PicksByList(select) ? " NOT INDEXED" : "";
   if (!select.from.sources.empty()) sql += " FROM " + Sources(select.from, hint);
-  sql += Where(select.where);
+  sql += form.texts ? SearchingWhere(form) : Where(select.where);
   if (!select.group_by.empty()) {
     sql += " GROUP BY " + Join(GroupKeys(select, schema_), ", ",
                                [this](const jet::Expr* key) { return Ordered(*key); });
@@ -199,6 +204,17 @@ std::string SqlPrinter::SortKey(const jet::SortKey& key,
   const size_t place = FindOutput(key.value, numbered);
   const std::string sql = place < numbered.size() ? Numbered('c', place) : Ordered(key.value);
   return sql + (key.descending ? " DESC" : "");
+}
+
+std::string SqlPrinter::SearchingWhere(const QueryForm& form) const {
+  const std::string parameter = "?" + std::to_string(options_.literals + 1);
+  std::string sql = " WHERE ";
+  if (!form.candidates.empty()) {
+    sql += QuoteName(form.rowid_of) + ".rowid IN (" + std::string(form.candidates) + ") AND ";
+  }
+  for (const jet::Expr* other : form.texts->others) sql += "(" + Print(*other) + ") AND ";
+  return sql + "vdsto_search(" + parameter + ", " + QuoteName(form.rowid_of) + "." +
+         QuoteName(form.texts->column->name) + ")";
 }
 
 std::string SqlPrinter::Where(const jet::ExprPtr& condition) const {

@@ -2,7 +2,9 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <cassert>
+#include <utility>
 
 #include "vdstomgr/platform/dao/sqlite/connection.h"
 #include "vdstomgr/platform/dao/sqlite/errors.h"
@@ -50,8 +52,12 @@ dao::Field Show(const dao::Value& value) {
 
 }  // namespace
 
-Query::Query(Connection& connection, std::unique_ptr<Statement> statement)
-    : connection_(&connection), plan_(statement->SharedPlan()), statement_(std::move(statement)) {
+Query::Query(Connection& connection, std::unique_ptr<Statement> statement,
+             std::unique_ptr<TextSearch> search)
+    : connection_(&connection),
+      plan_(statement->SharedPlan()),
+      search_(std::move(search)),
+      statement_(std::move(statement)) {
   connection.Enlist(this);
 }
 
@@ -62,6 +68,8 @@ Query::~Query() {
 void Query::Abandon() {
   connection_ = nullptr;
   statement_.reset();
+  walk_.reset();
+  search_.reset();
   fetched_.reset();
 }
 
@@ -103,7 +111,7 @@ void Query::Window(int first, int count) {
 
 void Query::Step() {
   sqlite3* db = Db().Handle();
-  const int code = sqlite3_step(statement_->Handle());
+  const int code = NextRow();
   if (code == SQLITE_ROW) {
     state_ = State::Live;
     return;
@@ -117,13 +125,47 @@ void Query::Step() {
   ThrowEngineError(db, code, "");
 }
 
+// The rows of the walk, and then those of the index without what the walk has shown.
+int Query::NextRow() {
+  for (;;) {
+    const int code = sqlite3_step(statement_->Handle());
+    walk_.reset();
+    if (!search_ || code != SQLITE_ROW) return code;
+    if (search_->TakePause()) {
+      AskIndex();
+      continue;
+    }
+    const std::int64_t key = sqlite3_column_int64(statement_->Handle(), plan_->columns.Count());
+    if (search_->IsWalk()) {
+      shown_.push_back(key);
+      return code;
+    }
+    if (!std::ranges::binary_search(shown_, key)) return code;
+  }
+}
+
+// The walk is let go when the other way has begun, so that both see the same state of the file.
+void Query::AskIndex() {
+  auto by_index = search_->AskIndex();
+  if (!by_index) return;
+  walk_ = std::exchange(statement_, std::move(by_index));
+  std::ranges::sort(shown_);
+}
+
 // Lets the live statement go, and with it the engine's hold on this state of the file.
 void Query::End() {
-  if (statement_) sqlite3_reset(statement_->Handle());
+  LetGo();
   fetched_.reset();
   noted_.clear();
   position_ = 0;
   state_ = State::End;
+}
+
+void Query::LetGo() {
+  if (statement_) sqlite3_reset(statement_->Handle());
+  if (search_) search_->LetGo();
+  walk_.reset();
+  shown_.clear();
 }
 
 dao::Field Query::Get(int column) {
@@ -140,10 +182,10 @@ void Query::NoteRemainingRows() {
   if (state_ != State::Live) return;
   std::vector<NotedRow> rows;
   int code = SQLITE_ROW;
-  for (; code == SQLITE_ROW; code = sqlite3_step(statement_->Handle())) {
+  for (; code == SQLITE_ROW; code = NextRow()) {
     rows.push_back(NoteCurrentRow());
   }
-  sqlite3_reset(statement_->Handle());
+  LetGo();
   if (code != SQLITE_DONE) ThrowEngineError(Db().Handle(), code, "");
   noted_ = std::move(rows);
   position_ = 0;

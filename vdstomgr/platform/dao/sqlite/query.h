@@ -5,6 +5,7 @@
 
 #include "vdstomgr/platform/dao/engine.h"
 #include "vdstomgr/platform/dao/sqlite/statement_cache.h"
+#include "vdstomgr/platform/dao/sqlite/text_search.h"
 
 namespace vdstomgr::sqlite {
 
@@ -15,7 +16,9 @@ class Connection;
 /// otherwise) and the statement is let go, since stepping it on would show written rows again.
 class Query final : public dao::Query {
  public:
-  Query(Connection& connection, std::unique_ptr<Statement> statement);
+  /// `search` is what the statement's text tests are asked of; null when it has none.
+  Query(Connection& connection, std::unique_ptr<Statement> statement,
+        std::unique_ptr<TextSearch> search);
   ~Query() override;
 
   const dao::ColumnTable& Columns() const override { return plan_->columns; }
@@ -46,6 +49,9 @@ class Query final : public dao::Query {
   bool HasRowKeys() const { return !plan_->row_sql.empty(); }
   Connection& Db() const;
   void Step();
+  int NextRow();
+  void AskIndex();
+  void LetGo();
   void End();
   NotedRow NoteCurrentRow() const;
   NotedRow& CurrentRow();
@@ -55,7 +61,10 @@ class Query final : public dao::Query {
 
   Connection* connection_;
   std::shared_ptr<const Plan> plan_;
+  std::unique_ptr<TextSearch> search_;
   std::unique_ptr<Statement> statement_;
+  std::unique_ptr<Statement> walk_;     // that the index is taking the place of
+  std::vector<std::int64_t> shown_;     // keys of the rows that a search's walk has shown
   std::unique_ptr<Statement> fetched_;  // shows the current noted row
   std::vector<NotedRow> noted_;
   size_t position_ = 0;

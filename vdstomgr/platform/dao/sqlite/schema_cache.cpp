@@ -21,6 +21,7 @@ dao::ColumnSchema ReadColumn(sqlite3_stmt* row) {
           .value_or(dao::ColumnSchema{ColumnText(row, 0), dao::ColumnType::LongText});
   column.required = sqlite3_column_int(row, 2) != 0;
   column.key = sqlite3_column_int(row, 3) != 0;
+  column.text_index = sqlite3_column_int(row, 5) != 0;
   return column;
 }
 
@@ -32,9 +33,11 @@ const dao::TableSchema* SchemaCache::FindTable(std::string_view name) const {
 
   sqlite3_stmt* raw = nullptr;
   constexpr const char* kSql =
-      "SELECT c.name, c.type, c.\"notnull\", c.pk, t.name FROM sqlite_schema t, "
-      "pragma_table_info(t.name) c WHERE t.type = 'table' AND t.name = ?1 COLLATE NOCASE "
-      "ORDER BY c.cid";
+      "SELECT c.name, c.type, c.\"notnull\", c.pk, t.name, EXISTS (SELECT 1 FROM "
+      "sqlite_schema i WHERE i.type = 'trigger' AND i.tbl_name = t.name AND "
+      "i.name = 'vdsto.' || t.name || '.' || c.name || '.update') "
+      "FROM sqlite_schema t, pragma_table_info(t.name) c WHERE t.type = 'table' AND "
+      "t.name = ?1 COLLATE NOCASE AND substr(t.name, 1, 6) <> 'vdsto.' ORDER BY c.cid";
   Check(db_, sqlite3_prepare_v2(db_, kSql, -1, &raw, nullptr), kSql);
   const StatementHandle statement(raw);
   Check(db_,

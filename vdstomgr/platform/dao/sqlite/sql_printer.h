@@ -8,6 +8,7 @@
 
 #include "vdstomgr/platform/dao/sqlite/output_columns.h"
 #include "vdstomgr/platform/dao/sqlite/printer.h"
+#include "vdstomgr/platform/dao/sqlite/text_filter.h"
 
 namespace vdstomgr::sqlite {
 
@@ -15,7 +16,9 @@ namespace vdstomgr::sqlite {
 struct QueryForm {
   bool keep_order = true;  ///< false where nobody can see the order
   bool numbered = false;   ///< output columns are named "c1", "c2" ... instead of their names
-  std::string_view rowid_of = {};  ///< not empty: that source's rowid as one more column
+  std::string_view rowid_of = {};     ///< not empty: that source's rowid as one more column
+  const TextFilter* texts = nullptr;  ///< conditions to be printed as a search of texts
+  std::string_view candidates = {};   ///< not empty: a query for the keys of all that can match
 };
 
 /// The parts of Print. Every function returns the SQL of one piece of the tree.
@@ -75,13 +78,14 @@ class SqlPrinter {
   std::string NumberedItems(std::span<const OutputColumn> outputs) const;
   void RequireOneColumn(const jet::Select& select) const;
   /// FROM to HAVING
-  std::string Body(const jet::Select& select) const;
+  std::string Body(const jet::Select& select, const QueryForm& form = {}) const;
   bool PicksByList(const jet::Select& select) const;
   /// `last_hint` goes behind the last source's name.
   std::string Sources(const jet::From& from, std::string_view last_hint = {}) const;
   std::string Source(const jet::Source& source) const;
   std::string SortKey(const jet::SortKey& key, std::span<const OutputColumn> numbered) const;
   std::string Where(const jet::ExprPtr& condition) const;
+  std::string SearchingWhere(const QueryForm& form) const;
 
   std::string Stored(const jet::Expr& value, dao::ColumnType type,
                      const std::vector<VisibleSource>& sources) const;

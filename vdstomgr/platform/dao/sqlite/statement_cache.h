@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -17,9 +18,10 @@ namespace vdstomgr::sqlite {
 /// What stays the same for all statements of one shape.
 struct Plan {
   StatementKind kind = StatementKind::Select;
-  dao::ColumnTable columns;      ///< the output, the hidden row key not counted
-  std::string editable_table;    ///< the table whose rows the query shows unchanged, or empty
-  std::string row_sql;           ///< reads the same columns of one row by its key; empty: cannot be
+  dao::ColumnTable columns;    ///< the output, the hidden row key not counted
+  std::string editable_table;  ///< the table whose rows the query shows unchanged, or empty
+  std::string row_sql;         ///< reads the same columns of one row by its key; empty: cannot be
+  std::optional<TextQuery> text_query;
   std::vector<int> key_columns;  ///< where the output shows that table's primary key
 };
 
