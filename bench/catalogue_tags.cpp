@@ -11,10 +11,11 @@ namespace {
 constexpr int kPhotosPerTag = 1000;
 constexpr char kWorkTables[] = "both sides leave the photos with all tags in the work tables";
 
-/// As many links as photos, two on every second photo: the photos of a tag from 1 to `tags` carry a
-/// second one, which has twice as many.
+/// In place of the catalogue's links as many as photos, two on every second photo: the photos of a
+/// tag from 1 to `tags` carry a second one, which has twice as many.
 int AddLinks(const std::string& path) {
   PeerDatabase db(path);
+  Require(PeerDatabase::Run(db.Prepare("DELETE FROM PhotoTag")), "other links");
   const PeerStatement count = db.Prepare("SELECT MAX(rowid) FROM PhotoMaster");
   int photos = 0;
   Require(Next(count), "photos");
