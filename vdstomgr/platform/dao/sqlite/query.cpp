@@ -91,6 +91,7 @@ void Query::MoveNext() {
 void Query::Restart() {
   Db();
   End();
+  if (search_ && !search_->IsWalk()) statement_ = search_->StartWalk();
   state_ = State::Before;
 }
 
