@@ -5,11 +5,21 @@
 #include <cstdlib>
 
 #include "vdstomgr/platform/dao/sqlite/functions.h"
+#include "vdstomgr/platform/text/case_folding.h"
 #include "vdstomgr/platform/text/code_page.h"
 #include "vdstomgr/platform/utility/utility_lib.h"
 
 namespace bench {
 namespace {
+
+int CompareText(void*, int size_a, const void* a, int size_b, const void* b) {
+  return vdstomgr::CompareFolded({static_cast<const char*>(a), size_t(size_a)},
+                                 {static_cast<const char*>(b), size_t(size_b)});
+}
+
+void InstallTextOrder(sqlite3* db) {
+  sqlite3_create_collation(db, vdstomgr::kTextOrderName, SQLITE_UTF8, nullptr, CompareText);
+}
 
 [[noreturn]] void Die(sqlite3* db) {
   std::fprintf(stderr, "peer: %s\n", sqlite3_errmsg(db));
@@ -22,11 +32,12 @@ void PeerStatementDeleter::operator()(sqlite3_stmt* statement) const {
   sqlite3_finalize(statement);
 }
 
-PeerDatabase::PeerDatabase(const std::string& path) {
+PeerDatabase::PeerDatabase(const std::string& path, Like like) {
   if (sqlite3_open_v2(path.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr)) {
     Die(db_);
   }
-  vdstomgr::sqlite::InstallFunctions(db_);
+  // The dialect's LIKE takes the place of the engine's own on a connection for good.
+  like == Like::Dialects ? vdstomgr::sqlite::InstallFunctions(db_) : InstallTextOrder(db_);
   sqlite3_exec(db_, "PRAGMA cache_size = -65536; PRAGMA journal_mode = WAL", nullptr, nullptr,
                nullptr);
   begin_ = Prepare("BEGIN IMMEDIATE");

@@ -22,7 +22,9 @@ using PeerStatement = std::unique_ptr<sqlite3_stmt, PeerStatementDeleter>;
 
 class PeerDatabase {
  public:
-  explicit PeerDatabase(const std::string& path);
+  enum class Like { Dialects, Engines };
+
+  explicit PeerDatabase(const std::string& path, Like like = Like::Dialects);
   ~PeerDatabase();
   PeerDatabase(const PeerDatabase&) = delete;
   PeerDatabase& operator=(const PeerDatabase&) = delete;

@@ -70,7 +70,8 @@ else()
     SQLITE_THREADSAFE=2               # a connection is never shared without our own lock
     SQLITE_DEFAULT_MEMSTATUS=0
     SQLITE_DEFAULT_WAL_SYNCHRONOUS=1
-    SQLITE_ENABLE_FTS5
+    SQLITE_ENABLE_CARRAY              # a list of row keys as one parameter
+    SQLITE_ENABLE_FTS5                # the index of texts
     SQLITE_LIKE_DOESNT_MATCH_BLOBS
     SQLITE_MAX_EXPR_DEPTH=0
     SQLITE_OMIT_DEPRECATED

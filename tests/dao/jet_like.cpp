@@ -24,6 +24,8 @@ TEST(JetLike, Patterns) {
       {"?", "가 a \xFF", "_ 가나"},
       {"a#", "a0 A9", "aa a a12 a٣"},
       {"*가*", "가 나가다", "나 _"},
+      {"*sK*", "xSkx sk ſK 가Ska", "s ks _ 가"},
+      {"*i가*", "I가 xi가x", "i 가 가i"},
       {"ÀÉ*", "àéx ÀÉ", "ae"},
       {"straße", "STRAßE Straẞe", "strasse"},
       {"*aab", "aaab AAAAAB aab", "aaba ab"},

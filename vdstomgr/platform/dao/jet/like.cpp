@@ -1,24 +1,39 @@
 #include "vdstomgr/platform/dao/jet/like.h"
 
 #include <algorithm>
+#include <span>
 
 #include "vdstomgr/platform/dao/dao_error.h"
 #include "vdstomgr/platform/text/ascii.h"
-#include "vdstomgr/platform/text/case_folding.h"
 #include "vdstomgr/platform/text/utf8.h"
 
 namespace vdstomgr::jet {
 namespace {
 
-/// Is it the only character of its folding? Only such ones can be looked for byte by byte. Letters
-/// of scripts with two cases are not.
-bool HasOneForm(char32_t character) {
-  const bool is_hangul = character >= 0xAC00 && character <= 0xD7A3;
-  const bool is_jamo = character >= 0x3131 && character <= 0x318E;
-  const bool is_han = character >= 0x4E00 && character <= 0x9FFF;
-  return (character < 0x80 &&
-          (character < 'A' || (character > 'Z' && character < 'a') || character > 'z')) ||
-         is_hangul || is_jamo || is_han;
+constexpr bool IsLetter(char32_t folded) {
+  return folded >= 'a' && folded <= 'z';
+}
+
+/// Is an ASCII character, or one that no other folds to? Texts of such characters can be looked for
+/// byte by byte, if the case of ASCII letters is disregarded; two of these have a third form.
+bool IsFoundByBytes(char32_t folded) {
+  const bool is_jamo = folded >= 0x3131 && folded <= 0x318E;
+  const bool is_han = folded >= 0x4E00 && folded <= 0x9FFF;
+  return folded < 0x80 || IsSyllable(folded) || is_jamo || is_han;
+}
+
+bool HoldsIgnoringCase(std::string_view text, std::string_view folded_part) {
+  if (text.size() < folded_part.size()) return false;
+  const char* const last = text.data() + (text.size() - folded_part.size());
+  const auto same = [](char a, char folded) { return LowerAscii(a) == folded; };
+  for (const char* at = text.data(); at <= last; ++at) {
+    if (same(*at, folded_part.front()) &&
+        std::equal(folded_part.begin() + 1, folded_part.end(), at + 1,
+                   [&](char folded, char a) { return same(a, folded); })) {
+      return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace
@@ -47,22 +62,38 @@ LikePattern::LikePattern(std::string_view pattern) {
       elements_.push_back({Kind::Character, folded});
     }
   }
-  FindPlainPart();
+  FindPart();
 }
 
-void LikePattern::FindPlainPart() {
+// Is it "*...*"?
+bool LikePattern::IsPartOfText() const {
+  return elements_.size() >= 3 && elements_.front().kind == Element::Kind::AnyText &&
+         elements_.back().kind == Element::Kind::AnyText;
+}
+
+bool LikePattern::Implies(const LikePattern& other) const {
+  return IsPartOfText() && other.IsPartOfText() &&
+         !std::ranges::search(elements_,
+                              std::span(other.elements_).subspan(1, other.elements_.size() - 2))
+              .empty();
+}
+
+void LikePattern::FindPart() {
+  if (!IsPartOfText()) return;
   const size_t count = elements_.size();
-  if (count < 3 || elements_.front().kind != Element::Kind::AnyText ||
-      elements_.back().kind != Element::Kind::AnyText) {
-    return;
-  }
   std::string part;
+  bool has_letters = false, has_third_forms = false;
   for (size_t i = 1; i + 1 < count; ++i) {
     const std::optional<char32_t> character = PartOf(elements_[i]).character;
-    if (!character || !HasOneForm(*character)) return;
+    if (!character || !IsFoundByBytes(*character)) return;
+    has_letters = has_letters || IsLetter(*character);
+    has_third_forms = has_third_forms || *character == 'k' || *character == 's';
     AppendCharacter(*character, part);
   }
-  plain_part_ = std::move(part);
+  part_ = std::move(part);
+  part_in_ = has_third_forms ? PartIn::AsciiInAnyCase
+             : has_letters   ? PartIn::AnyCase
+                             : PartIn::ThisForm;
 }
 
 // An empty list matches nothing but the empty text between two characters, so it adds no element;
@@ -101,8 +132,12 @@ bool LikePattern::MatchesOne(const Element& element, char32_t folded) {
 }
 
 bool LikePattern::Matches(std::string_view text) const {
-  if (!plain_part_.empty()) return text.find(plain_part_) != std::string_view::npos;
-  return MatchesElements(text);
+  if (part_.empty()) return MatchesElements(text);
+  if (part_in_ == PartIn::ThisForm) return text.find(part_) != std::string_view::npos;
+  if (part_in_ == PartIn::AsciiInAnyCase && CountAsciiPrefix(text) < text.size()) {
+    return MatchesElements(text);
+  }
+  return HoldsIgnoringCase(text, part_);
 }
 
 // On a mismatch only the last '*' has to take one character more: what an earlier one could take in

@@ -22,6 +22,9 @@ class LikePattern {
   /// pattern multiplied at worst, whatever the pattern.
   bool Matches(std::string_view text) const;
 
+  /// Is every text that it matches surely matched by `other`? False when that cannot be told.
+  bool Implies(const LikePattern& other) const;
+
   /// Pieces that every text it matches has, at most `most` of them, spread over the pattern; none
   /// when nothing can be said. Either all or none are starts of pieces.
   std::vector<Gram> RequiredGrams(std::size_t most) const;
@@ -29,12 +32,16 @@ class LikePattern {
  private:
   struct Range {
     char32_t first, last;  // folded
+
+    bool operator==(const Range&) const = default;
   };
   struct Element {
     enum class Kind : unsigned char { AnyText, AnyCharacter, Digit, Character, In, NotIn };
     Kind kind;
     char32_t character = 0;          // Character: folded
     std::vector<Range> ranges = {};  // In, NotIn
+
+    bool operator==(const Element&) const = default;
   };
 
   /// What a gram can be made of: an element that stands for one character, or for characters of
@@ -46,12 +53,14 @@ class LikePattern {
   static bool MatchesOne(const Element& element, char32_t folded);
   static GramPart PartOf(const Element& element);
   bool MatchesElements(std::string_view text) const;
+  bool IsPartOfText() const;
   void AddList(std::string_view list);
-  void FindPlainPart();
+  void FindPart();
 
   std::vector<Element> elements_;
-  /// Of "*text*" whose characters have no other case: the text. Otherwise empty.
-  std::string plain_part_;
+  /// Of "*text*" that can be looked for byte by byte: the text, folded; otherwise empty.
+  std::string part_;
+  enum class PartIn { ThisForm, AnyCase, AsciiInAnyCase } part_in_ = PartIn::ThisForm;
 };
 
 /// The same for a pattern that is used once.

@@ -43,18 +43,18 @@ struct StatementPrinter {
   }
   Printed Searching(const jet::Select& select, const dao::TableSchema& table,
                     const TextFilter& texts, QueryForm form) const {
-    const std::string candidates =
-        TextIndex::CandidatesSql(table.name, texts.column->name, options.literals + 2);
     form.texts = &texts;
-    Printed printed{printer.Query(select, form), StatementKind::Select, table.name, TextQuery()};
-    form.candidates = candidates;
-    printed.text_query->test = texts.test;
-    printed.text_query->parameter = options.literals + 1;
-    printed.text_query->candidates_sql = printer.Query(select, form);
-    printed.text_query->count_sql = TextIndex::CandidatesSql(table.name, texts.column->name, 1);
-    printed.text_query->matches_sql = TextIndex::MatchesSql(table.name, texts.column->name, 1);
-    printed.text_query->last_row_sql = "SELECT max(rowid) FROM " + QuoteName(table.name);
-    return printed;
+    const std::string walk = printer.Query(select, form);
+    form.lists_keys = true;
+    const std::string& column = texts.column->name;
+    TextQuery query{.test = texts.test,
+                    .parameter = options.literals + 1,
+                    .walk_sql = walk,
+                    .listed_sql = printer.Query(select, form),
+                    .candidates_sql = TextIndex::CandidatesSql(table.name, column),
+                    .matches_sql = TextIndex::MatchesSql(table.name, column),
+                    .last_row_sql = "SELECT max(rowid) FROM " + QuoteName(table.name)};
+    return {walk, StatementKind::Select, table.name, std::move(query)};
   }
   Printed operator()(const jet::Insert& insert) const {
     return {printer.Action(insert), StatementKind::Insert, {}, {}};

@@ -47,12 +47,13 @@ struct TextTest {
 };
 
 /// A query that asks TextSearch instead of LIKE, which it is given in a parameter: in one form for
-/// the walk through all rows (Printed::sql), and in one for the rows that the index names.
+/// the walk through all rows, and in one for the rows that the index names.
 struct TextQuery {
   TextTest test;
-  int parameter = 0;           ///< where both take the search; the second takes the match behind it
-  std::string candidates_sql;  ///< the rows that the index names, in the query's order
-  std::string count_sql;       ///< their keys; its parameter 1 is the match
+  int parameter = 0;     ///< where both take the search; the second takes a list of keys behind it
+  std::string walk_sql;  ///< Printed::sql
+  std::string listed_sql;      ///< the same rows as far as they are in the list
+  std::string candidates_sql;  ///< the keys of the rows that can match; its parameter is the match
   std::string matches_sql;     ///< the same without rows that have changed lately, in order
   std::string last_row_sql;    ///< the highest key of the table
 };

@@ -70,7 +70,7 @@ std::string SqlPrinter::Query(const jet::Select& select, const QueryForm& form) 
     sql += " ORDER BY " +
            Join(select.order_by, ", ", [&](const auto& key) { return SortKey(key, numbered); });
   }
-  if (!form.candidates.empty()) {  // rows that are equal in the order stand as the walk shows them
+  if (form.lists_keys) {  // rows that are equal in the order stand as the walk shows them
     const bool descending = !select.order_by.empty() && select.order_by.back().descending;
     sql += (select.order_by.empty() ? " ORDER BY " : ", ") + QuoteName(form.rowid_of) + ".rowid" +
            (descending ? " DESC" : "");
@@ -209,8 +209,9 @@ std::string SqlPrinter::SortKey(const jet::SortKey& key,
 std::string SqlPrinter::SearchingWhere(const QueryForm& form) const {
   const std::string parameter = "?" + std::to_string(options_.literals + 1);
   std::string sql = " WHERE ";
-  if (!form.candidates.empty()) {
-    sql += QuoteName(form.rowid_of) + ".rowid IN (" + std::string(form.candidates) + ") AND ";
+  if (form.lists_keys) {
+    sql += QuoteName(form.rowid_of) + ".rowid IN (SELECT value FROM carray(?" +
+           std::to_string(options_.literals + 2) + ")) AND ";
   }
   for (const jet::Expr* other : form.texts->others) sql += "(" + Print(*other) + ") AND ";
   return sql + "vdsto_search(" + parameter + ", " + QuoteName(form.rowid_of) + "." +

@@ -93,6 +93,7 @@ void Query::MoveNext() {
 void Query::Restart() {
   Db();
   End();
+  if (search_ && !search_->IsWalk()) statement_ = search_->StartWalk();
   state_ = State::Before;
 }
 

@@ -18,7 +18,7 @@ struct QueryForm {
   bool numbered = false;   ///< output columns are named "c1", "c2" ... instead of their names
   std::string_view rowid_of = {};     ///< not empty: that source's rowid as one more column
   const TextFilter* texts = nullptr;  ///< conditions to be printed as a search of texts
-  std::string_view candidates = {};   ///< not empty: a query for the keys of all that can match
+  bool lists_keys = false;            ///< only the rows whose keys are in a list
 };
 
 /// The parts of Print. Every function returns the SQL of one piece of the tree.

@@ -57,15 +57,14 @@ std::string TextIndex::NameOf(std::string_view table, std::string_view column) {
   return "vdsto." + std::string(table) + "." + std::string(column);
 }
 
-std::string TextIndex::CandidatesSql(std::string_view table, std::string_view column,
-                                     int parameter) {
-  return MatchesSql(table, column, parameter) + " UNION ALL SELECT key FROM " +
+std::string TextIndex::CandidatesSql(std::string_view table, std::string_view column) {
+  return MatchesSql(table, column) + " UNION ALL SELECT key FROM " +
          QuoteName(NameOf(table, column) + ".changes");
 }
 
-std::string TextIndex::MatchesSql(std::string_view table, std::string_view column, int parameter) {
+std::string TextIndex::MatchesSql(std::string_view table, std::string_view column) {
   const std::string index = QuoteName(NameOf(table, column));
-  return "SELECT rowid FROM " + index + " WHERE " + index + " MATCH ?" + std::to_string(parameter);
+  return "SELECT rowid FROM " + index + " WHERE " + index + " MATCH ?1";
 }
 
 TextIndex::TextIndex(Connection& connection, std::string_view table, std::string_view column)

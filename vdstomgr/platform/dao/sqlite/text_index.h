@@ -32,10 +32,10 @@ class TextIndex {
 
   /// The name of the index; what belongs to it has a name that begins with it.
   static std::string NameOf(std::string_view table, std::string_view column);
-  /// A query for the keys of the rows that can match; the match is its parameter of that number.
-  static std::string CandidatesSql(std::string_view table, std::string_view column, int parameter);
+  /// A query for the keys of the rows that can match; the match is its parameter.
+  static std::string CandidatesSql(std::string_view table, std::string_view column);
   /// The same without the rows that have changed, in the order of their keys.
-  static std::string MatchesSql(std::string_view table, std::string_view column, int parameter);
+  static std::string MatchesSql(std::string_view table, std::string_view column);
 
  private:
   struct Object {

@@ -21,7 +21,7 @@ constexpr std::int64_t kNever = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kFirstPauseForStarts = 16 * kFirstPause;
 
 // A row that is fetched by its key costs as much as the walk takes for this many.
-constexpr std::int64_t kRowsPerCandidate = 6;
+constexpr std::int64_t kRowsPerCandidate = 12;
 // How many rows a search is expected to be asked for.
 constexpr std::int64_t kUsualRows = 100;
 
@@ -69,10 +69,30 @@ void TextSearch::Bind(sqlite3_stmt* statement) {
         sqlite3_bind_pointer(statement, place, this, kTextSearchPointer, nullptr), "");
 }
 
+// A text that a row must have as a whole, or else all its words: the words are enough.
+void TextSearch::MakePatterns() {
+  for (const std::string& pattern : pattern_texts_) patterns_.emplace_back(pattern);
+  if (test_.kind != TextTest::Kind::Any) return;
+  std::vector<Test>& parts = test_.parts;
+  const auto is_needless = [&](const Test& part) {
+    return part.kind == TextTest::Kind::Like && std::ranges::any_of(parts, [&](const Test& other) {
+             return other != part && IsImplied(other, patterns_[part.pattern]);
+           });
+  };
+  const auto needless = std::ranges::find_if(parts, is_needless);
+  if (needless != parts.end()) parts.erase(needless);
+  if (parts.size() == 1) test_ = Test(parts.front());
+}
+
+bool TextSearch::IsImplied(const Test& test, const jet::LikePattern& pattern) const {
+  if (test.kind == TextTest::Kind::Like) return pattern.Implies(patterns_[test.pattern]);
+  return test.kind == TextTest::Kind::All && std::ranges::all_of(test.parts, [&](const Test& part) {
+           return IsImplied(part, pattern);
+         });
+}
+
 bool TextSearch::Passes(std::string_view text) {
-  if (patterns_.empty()) {
-    for (const std::string& pattern : pattern_texts_) patterns_.emplace_back(pattern);
-  }
+  if (patterns_.empty()) MakePatterns();
   ++looked_at_;
   if (Passes(test_, text)) return true;
   pauses_ = looked_at_ >= next_pause_;
@@ -151,42 +171,59 @@ std::unique_ptr<Statement> TextSearch::AskIndex() {
       next_pause_ = 2 * looked_at_;
       return nullptr;
     }
-    LetGo();
-    auto statement = connection_.PrepareOwn(plan_->text_query->candidates_sql);
-    Bind(statement->Handle());
-    const int place = plan_->text_query->parameter + 1;
-    Check(connection_.Handle(),
-          sqlite3_bind_text(statement->Handle(), place, match_.c_str(), -1, SQLITE_TRANSIENT), "");
-    is_walk_ = false;
-    return statement;
+    return TakeCandidates();
   } catch (const CDaoException&) {
     connection_.DoubtTextIndexes();  // the walk knows all that the index does
     return nullptr;
   }
 }
 
-void TextSearch::LetGo() {
+std::unique_ptr<Statement> TextSearch::TakeCandidates() {
+  auto statement = connection_.PrepareOwn(plan_->text_query->listed_sql);
+  Bind(statement->Handle());
+  Check(connection_.Handle(),
+        sqlite3_carray_bind(statement->Handle(), plan_->text_query->parameter + 1, keys_.data(),
+                            static_cast<int>(keys_.size()), SQLITE_CARRAY_INT64, SQLITE_STATIC),
+        "");
   candidates_.reset();
-  counted_ = 0;
+  is_walk_ = false;
+  return statement;
 }
 
-// Few are those that cost no more than the walk has cost so far, or is likely to cost until it has
-// found the usual number of rows among all: n candidates cost as much as n * kRowsPerCandidate rows
-// of the walk, which finds one of them in every rows / n.
+void TextSearch::LetGo() {
+  candidates_.reset();
+  if (is_walk_) keys_.clear();
+}
+
+std::unique_ptr<Statement> TextSearch::StartWalk() {
+  LetGo();
+  looked_at_ = 0;
+  next_pause_ = kFirstPause;
+  is_walk_ = true;
+  auto statement = connection_.PrepareOwn(plan_->text_query->walk_sql);
+  Bind(statement->Handle());
+  return statement;
+}
+
+// Few are those that cost no more than half of what the walk has cost so far, or than it is likely
+// to cost until it has found the usual number of rows among all: n candidates cost as much as n *
+// kRowsPerCandidate rows of the walk, which finds one of them in every rows / n.
 bool TextSearch::HasFewCandidates() {
   if (!candidates_) {
-    candidates_ = Ask(plan_->text_query->count_sql, match_);
+    keys_.clear();
+    candidates_ = Ask(plan_->text_query->candidates_sql, match_);
     const auto last_row = connection_.PrepareOwn(plan_->text_query->last_row_sql);
     const bool is_known = sqlite3_step(last_row->Handle()) == SQLITE_ROW;
     const double rows = is_known ? sqlite3_column_double(last_row->Handle(), 0) : 0;
     few_ =
         static_cast<std::int64_t>(std::sqrt(kUsualRows * std::max(rows, 0.0) / kRowsPerCandidate));
   }
-  const std::int64_t most = std::max(few_, looked_at_ / kRowsPerCandidate);
-  for (; counted_ <= most; ++counted_) {
+  const std::int64_t most = std::max(few_, looked_at_ / kRowsPerCandidate / 2);
+  while (std::ssize(keys_) <= most) {
     const int code = sqlite3_step(candidates_->Handle());
     if (code == SQLITE_DONE) return true;
     if (code != SQLITE_ROW) ThrowEngineError(connection_.Handle(), code, "");
+    keys_.push_back(sqlite3_column_int64(candidates_->Handle(), 0));
   }
   return false;
 }

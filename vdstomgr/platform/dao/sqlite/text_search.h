@@ -46,6 +46,8 @@ class TextSearch {
   /// At a pause: the statement that shows all rows of the query, by way of the index. Null when the
   /// walk had better go on.
   std::unique_ptr<Statement> AskIndex();
+  /// The statement to begin anew with.
+  std::unique_ptr<Statement> StartWalk();
 
  private:
   struct Test {  // TextTest, with the place of its pattern
@@ -57,12 +59,15 @@ class TextSearch {
   };
 
   Test MakeTest(const TextTest& test);
+  void MakePatterns();
+  bool IsImplied(const Test& test, const jet::LikePattern& pattern) const;
   bool Passes(const Test& test, std::string_view text) const;
   std::string MatchFor(const Test& test);
   std::string MatchFor(const jet::LikePattern& pattern);
   double Frequency(const jet::Gram& gram);
   std::unique_ptr<Statement> Ask(const std::string& sql, const std::string& match);
   bool HasFewCandidates();
+  std::unique_ptr<Statement> TakeCandidates();
 
   Connection& connection_;
   std::shared_ptr<const Plan> plan_;
@@ -70,9 +75,9 @@ class TextSearch {
   std::vector<std::string> pattern_texts_;
   std::vector<jet::LikePattern> patterns_;
   Test test_;
-  std::unique_ptr<Statement> candidates_;  // being counted
+  std::unique_ptr<Statement> candidates_;  // being listed
+  std::vector<std::int64_t> keys_;         // of the candidates so far
   std::string match_;
-  std::int64_t counted_ = 0;
   std::int64_t few_ = 0;
   std::int64_t looked_at_ = 0;
   std::int64_t next_pause_;
