@@ -36,6 +36,9 @@ class Command {
   Command& Number(const char* name, int& value, int least, int most, const char* help);
   /// An option with a value, "-o,--output"; `type` stands for the value in the help.
   Command& Option(const char* names, const char* type, std::string& value, const char* help);
+  /// The same, and may be given several times.
+  Command& Option(const char* names, const char* type, std::vector<std::string>& values,
+                  const char* help);
   Command& RequiredOption(const char* names, const char* type, std::string& value,
                           const char* help);
   Command& Flag(const char* names, bool& value, const char* help);
