@@ -139,7 +139,7 @@ async function closeSlides(page) {
 
 async function useTheKeyboard(page) {
   await choose(page, '성산 일출봉');
-  await page.locator('.photo').first().focus();
+  await page.locator('.photo a').first().focus();
   for (const key of ['ArrowRight', 'ArrowDown', 'ArrowLeft', 'ArrowUp', 'End', 'Home', 'ArrowRight']) await page.keyboard.press(key);
   assert.equal(await page.evaluate(() => document.activeElement.dataset.place), '1');
   await page.keyboard.press('Enter');
@@ -190,7 +190,7 @@ try {
   await phone.tap('#menu');
   await picture(phone, 'gallery-phone-menu');
   await choose(phone, '2025 부산');
-  await phone.tap('.photo >> nth=0');
+  await phone.tap('.photo a >> nth=0');
   await phone.waitForSelector('.pswp .caption >> text=파도 21.png');
   await phone.waitForTimeout(500);
   await picture(phone, 'gallery-slide');

@@ -81,7 +81,7 @@ const vdstoGallery = (() => {
     const rows = Math.ceil(view.clientHeight / layout.row) + 4;
     const end = Math.min(shown.length, first + rows * layout.columns);
     for (const [place, cell] of cells) {
-      if ((place < first || place >= end) && cell !== document.activeElement) cell.remove(), cells.delete(place);
+      if ((place < first || place >= end) && !cell.contains(document.activeElement)) cell.remove(), cells.delete(place);
     }
     for (let place = first; place < end; ++place) {
       if (!cells.has(place)) addCell(place);
@@ -90,23 +90,21 @@ const vdstoGallery = (() => {
 
   function addCell(place) {
     const photo = photoAt(shown[place]);
-    const cell = make('a', {
-      class: 'photo', role: 'listitem', tabindex: place === current ? 0 : -1,
-      'aria-posinset': place + 1, 'aria-setsize': shown.length, 'data-place': place,
-    }, make('span', { class: 'mat' }));
+    const link = make('a', { tabindex: place === current ? 0 : -1, 'data-place': place }, make('span', { class: 'mat' }));
+    const cell = make('div', { class: 'photo', role: 'listitem', 'aria-posinset': place + 1, 'aria-setsize': shown.length }, link);
     const { columns, cell: side, gap, row } = layout;
     cell.style.width = side + 'px';
     cell.style.height = side + captionHeight + 'px';
     cell.style.transform = `translate(${(place % columns) * (side + gap)}px, ${Math.floor(place / columns) * row}px)`;
-    if (photo) fill(cell, photo, shown[place]);
+    if (photo) fill(link, photo, shown[place]);
     cells.set(place, cell);
     grid.append(cell);
   }
 
   // The data says where in the cell the picture stands, in thousandths of its side.
-  function fill(cell, photo, number) {
-    cell.href = photo.hasThumbnail ? thumbnailOf(number) : '#';
-    const mat = cell.firstChild;
+  function fill(link, photo, number) {
+    link.href = photo.hasThumbnail ? thumbnailOf(number) : '#';
+    const mat = link.firstChild;
     if (photo.hasThumbnail) {
       const image = make('img', { alt: '', class: 'waiting', decoding: 'async' });
       const [left, top, width, height] = photo.cell;
@@ -117,28 +115,29 @@ const vdstoGallery = (() => {
     } else {
       mat.append(make('span', { class: 'none' }, say.none));
     }
-    cell.append(make('span', { class: 'name' }, photo.title || photo.name), make('span', { class: 'when' }, photo.when || say.undated));
+    link.append(make('span', { class: 'name' }, photo.title || photo.name), make('span', { class: 'when' }, photo.when || say.undated));
   }
 
   function focusOn(place) {
     const old = cells.get(current);
-    if (old) old.tabIndex = -1;
+    if (old) old.firstChild.tabIndex = -1;
     current = Math.min(Math.max(place, 0), shown.length - 1);
     const top = Math.floor(current / layout.columns) * layout.row;
     if (top < view.scrollTop) view.scrollTop = top;
     if (top + layout.row > view.scrollTop + view.clientHeight) view.scrollTop = top + layout.row - view.clientHeight;
     draw();
-    cells.get(current).tabIndex = 0;
-    cells.get(current).focus({ preventScroll: true });
+    const link = cells.get(current).firstChild;
+    link.tabIndex = 0;
+    link.focus({ preventScroll: true });
   }
 
   function moveByKey(event) {
     const page = layout.columns * Math.max(1, Math.floor(view.clientHeight / layout.row));
     const steps = { ArrowRight: 1, ArrowLeft: -1, ArrowDown: layout.columns, ArrowUp: -layout.columns, PageDown: page, PageUp: -page, Home: -shown.length, End: shown.length };
-    const cell = event.target.closest('.photo');
-    if (lightbox.pswp || !cell || !(event.key in steps) || event.ctrlKey || event.metaKey || event.altKey) return;
+    const link = event.target.closest('.photo a');
+    if (lightbox.pswp || !link || !(event.key in steps) || event.ctrlKey || event.metaKey || event.altKey) return;
     event.preventDefault();
-    focusOn(Number(cell.dataset.place) + steps[event.key]);
+    focusOn(Number(link.dataset.place) + steps[event.key]);
   }
 
   // ---- Slides ----
@@ -280,10 +279,10 @@ const vdstoGallery = (() => {
     byId('menu').onclick = () => showMenu(!document.body.classList.contains('menu'));
     byId('play').onclick = () => open(current, true);
     grid.addEventListener('click', event => {
-      const cell = event.target.closest('.photo');
-      if (!cell || event.ctrlKey || event.metaKey || event.shiftKey) return;
+      const link = event.target.closest('.photo a');
+      if (!link || event.ctrlKey || event.metaKey || event.shiftKey) return;
       event.preventDefault();
-      open(Number(cell.dataset.place), false);
+      open(Number(link.dataset.place), false);
     });
     grid.addEventListener('keydown', moveByKey);
     view.addEventListener('scroll', drawSoon, { passive: true });
@@ -306,8 +305,9 @@ const vdstoGallery = (() => {
     chunk(data) {
       chunks.set(data.number, data.photos.map(asPhoto));
       for (const [place, cell] of [...cells]) {
-        const photo = cell.childElementCount === 1 && photoAt(shown[place]);
-        if (photo) fill(cell, photo, shown[place]);
+        const link = cell.firstChild;
+        const photo = link.childElementCount === 1 && photoAt(shown[place]);
+        if (photo) fill(link, photo, shown[place]);
       }
       if (lightbox.pswp) {
         const { currIndex } = lightbox.pswp;
