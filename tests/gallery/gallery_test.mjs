@@ -75,8 +75,9 @@ function checkRefusals() {
 
 const faults = [];
 
-async function open(browser, folder, options) {
+async function open(browser, folder, options, prepare = () => {}) {
   const page = await browser.newPage({ locale: 'ko-KR', deviceScaleFactor: 1, ...options });
+  await prepare(page);
   page.on('console', message => ['error', 'warning'].includes(message.type()) && faults.push(message.text()));
   page.on('pageerror', error => faults.push(String(error)));
   page.on('requestfailed', request => faults.push('failed: ' + request.url()));
@@ -167,6 +168,25 @@ async function watchSlides(page) {
   await closeSlides(page);
 }
 
+// A slide whose data are on their way shows its photo when they come.
+async function waitForLateData(browser) {
+  let letThrough;
+  const gate = new Promise(resolve => { letThrough = resolve; });
+  const page = await open(browser, gallery, { viewport: { width: 1200, height: 760 } }, async page => {
+    await page.route('**/data/1.js', async route => { await gate; await route.continue(); });
+  });
+  await page.locator('.photo a').first().focus();
+  await page.keyboard.press('End');
+  await page.keyboard.press('Enter');
+  await slidesOpened(page);
+  for (let i = 0; i < 5; ++i) await page.keyboard.press('ArrowLeft');
+  await page.waitForFunction(() => document.querySelector('.pswp .caption').childElementCount === 0);
+  letThrough();
+  await page.waitForFunction(() => document.querySelector('.pswp .caption').textContent.includes('등대 999.png') &&
+    [...document.querySelectorAll('.pswp__img')].some(image => image.alt === '등대 999.png' && image.naturalWidth > 0));
+  await page.close();
+}
+
 async function picture(page, name) {
   if (screenshots) await page.screenshot({ path: join(screenshots, name + '.png') });
 }
@@ -181,6 +201,7 @@ try {
   await meetHostileTexts(page);
   await useTheKeyboard(page);
   await watchSlides(page);
+  await waitForLateData(browser);
   const pretty = join(work, 'pretty');
   run('gallery', '사진/2024 제주도', '사진/2025 부산', '-r', '-o', pretty, '--title', '제주와 부산');
   await picture(await open(browser, pretty, { viewport: { width: 1200, height: 760 } }), 'gallery-desktop');

@@ -90,7 +90,7 @@ const vdstoGallery = (() => {
 
   function addCell(place) {
     const photo = photoAt(shown[place]);
-    const link = make('a', { tabindex: place === current ? 0 : -1, 'data-place': place }, make('span', { class: 'mat' }));
+    const link = make('a', { href: thumbnailOf(shown[place]), tabindex: place === current ? 0 : -1, 'data-place': place }, make('span', { class: 'mat' }));
     const cell = make('div', { class: 'photo', role: 'listitem', 'aria-posinset': place + 1, 'aria-setsize': shown.length }, link);
     const { columns, cell: side, gap, row } = layout;
     cell.style.width = side + 'px';
@@ -103,7 +103,7 @@ const vdstoGallery = (() => {
 
   // The data says where in the cell the picture stands, in thousandths of its side.
   function fill(link, photo, number) {
-    link.href = photo.hasThumbnail ? thumbnailOf(number) : '#';
+    if (!photo.hasThumbnail) link.href = '#';
     const mat = link.firstChild;
     if (photo.hasThumbnail) {
       const image = make('img', { alt: '', class: 'waiting', decoding: 'async' });
@@ -160,7 +160,7 @@ const vdstoGallery = (() => {
     event.content.onLoaded();
   });
 
-  let timer = 0;
+  let timer = 0, playsWhenOpen = false;
   function play(on) {
     clearInterval(timer);
     timer = on ? setInterval(() => lightbox.pswp.goTo((lightbox.pswp.currIndex + 1) % shown.length), seconds * 1000) : 0;
@@ -185,7 +185,7 @@ const vdstoGallery = (() => {
   }
 
   lightbox.on('uiRegister', () => {
-    lightbox.pswp.ui.registerElement({ name: 'play', order: 8, isButton: true, html: '▶', onInit: () => setTimeout(() => play(timer > 0)), onClick: () => play(!timer) });
+    lightbox.pswp.ui.registerElement({ name: 'play', order: 8, isButton: true, html: '▶', onInit: () => setTimeout(() => play(playsWhenOpen)), onClick: () => play(!timer) });
     lightbox.pswp.ui.registerElement({ name: 'caption', className: 'caption', appendTo: 'root', onInit: element => { element.setAttribute('aria-live', 'polite'); lightbox.pswp.on('change', () => showCaption(element)); } });
   });
   lightbox.on('keydown', event => {
@@ -198,7 +198,7 @@ const vdstoGallery = (() => {
 
   function open(place, playing) {
     if (!shown.length) return;
-    timer = playing ? 1 : 0; // the button starts it when it is there
+    playsWhenOpen = playing;
     lightbox.loadAndOpen(place);
   }
 
