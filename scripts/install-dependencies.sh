@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what the build needs and the machine lacks (Debian packages), and says what it installs.
-# Usage: scripts/install-dependencies.sh [build|demo|test|gallery|bench|docs|fuzz|windows]...   (build is always included)
+# Usage: scripts/install-dependencies.sh [build|demo|test|gallery|bench|docs|fuzz|windows]...
+# (build is always included)
 set -euo pipefail
 
 packages=(
