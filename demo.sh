@@ -32,7 +32,9 @@ show tree
 show ls "$(basename "$folder")"
 show stat
 show store stat
+show gallery "$(basename "$folder")" --recursive --output "$here/build/demo/gallery" --force
 echo
+echo "Look at the gallery: $here/build/demo/gallery/index.html"
 echo "The catalogue is in $VDSTO_LIBRARY. Go on with:"
 echo "  export VDSTO_LIBRARY='$VDSTO_LIBRARY'"
 echo "  $vdsto --help"

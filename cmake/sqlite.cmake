@@ -9,24 +9,8 @@ set(VDSTO_SQLITE_LIBRARY "" CACHE FILEPATH
 
 set(sqlite_dir "${VDSTO_SQLITE_DIR}")
 if(NOT sqlite_dir)
-  set(fetch_dir ${PROJECT_BINARY_DIR}/deps)
-  set(sqlite_dir ${fetch_dir}/node_modules/better-sqlite3-multiple-ciphers/deps/sqlite3)
-  file(MAKE_DIRECTORY ${fetch_dir})
-  configure_file(deps/package.json ${fetch_dir}/package.json COPYONLY)
-  configure_file(deps/package-lock.json ${fetch_dir}/package-lock.json COPYONLY)
-  if(NOT EXISTS ${sqlite_dir}/sqlite3.c OR
-     ${PROJECT_SOURCE_DIR}/deps/package-lock.json IS_NEWER_THAN ${sqlite_dir}/sqlite3.c)
-    message(STATUS "Fetching the database engine's source (npm, no install scripts)")
-    execute_process(
-      COMMAND npm ci --ignore-scripts --no-audit --no-fund --loglevel=error
-      WORKING_DIRECTORY ${fetch_dir}
-      RESULT_VARIABLE npm_result)
-    if(NOT npm_result EQUAL 0 OR NOT EXISTS ${sqlite_dir}/sqlite3.c)
-      message(FATAL_ERROR "The database engine's source could not be fetched; "
-                          "point VDSTO_SQLITE_DIR at a copy of it.")
-    endif()
-    file(TOUCH ${sqlite_dir}/sqlite3.c)
-  endif()
+  vdsto_fetch_npm(better-sqlite3-multiple-ciphers/deps/sqlite3/sqlite3.c VDSTO_SQLITE_DIR)
+  set(sqlite_dir ${VDSTO_NPM_DIR}/better-sqlite3-multiple-ciphers/deps/sqlite3)
 endif()
 
 # The cipher layer answers that a read went well when it failed, and then what chance left in memory goes into

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what the build needs and the machine lacks (Debian packages), and says what it installs.
-# Usage: scripts/install-dependencies.sh [build|demo|test|bench|docs|fuzz|windows]...   (build is always included)
+# Usage: scripts/install-dependencies.sh [build|demo|test|gallery|bench|docs|fuzz|windows]...
+# (build is always included)
 set -euo pipefail
 
 packages=(
@@ -12,6 +13,7 @@ for purpose in "$@"; do
     build) ;;
     demo) packages+=(libvips-tools exiv2) ;;
     test) packages+=(libgtest-dev libgmock-dev python3) ;;
+    gallery) packages+=(chromium fonts-nanum) ;;
     bench) packages+=(libbenchmark-dev libvips-tools liblmdb-dev librocksdb-dev) ;;
     docs) packages+=(doxygen) ;;
     fuzz) packages+=(clang libclang-rt-dev) ;;

@@ -151,7 +151,7 @@
 0 SELECT top 1 b.byteInfoSync as bInfoSync, b.byteTagSync as bTagSync, a.* FROM PhotoMaster as a INNER JOIN PhotoSyncProcess as b ON a.szGUID = b.szGUID
 0 SELECT b.dwTagID, a.szGUID, a.szFileName, a.bytePublic, a.byteFlag, a.byteComment, a.dxFileSize, a.wWidth, a.wHeight, a.dwFolderID, a.byteRotate, a.szShootDate, a.szRegDate, a.wExifISO FROM PhotoMaster as a INNER JOIN (SELECT * From PhotoTag WHERE dwTagID IN (1,2) ORDER BY szGUID) as b ON a.szGUID = b.szGUID ORDER BY b.dwTagID
 0 SELECT a.* FROM PhotoMaster as a INNER JOIN FolderInfo as b ON a.szGUID = b.szIconGUID WHERE b.dwFolderID = 1
-0 SELECT TOP 1 * FROM PhotoMaster WHERE dwFolderID = 1 AND szLTBURL <> '' ORDER BY szRegDate DESC, szShootDate DESC, szGUID DESC
+0 SELECT szGUID FROM PhotoMaster WHERE dwFolderID = 1 AND szLTBURL <> '' ORDER BY szRegDate DESC, szShootDate DESC, szGUID DESC
 0 delete from IX_PT
 0 Insert into IX_PT select szGUID from PhotoTag where dwTagID = 1
 0 delete from IX_PT1

@@ -143,10 +143,13 @@ bool GalleryItems::GetFolderIcon(DWORD folder, GA_TBITEMINFO& item) {
 
 bool GalleryItems::GetFolderIconFromMaster(DWORD folder, GA_TBITEMINFO& item) {
   return m_db->Guarded(false, [&] {
-    return FillFirst(m_db->Select("SELECT TOP 1 * FROM PhotoMaster "
-                                  "WHERE dwFolderID = %d AND szLTBURL <> '' "
-                                  "ORDER BY szRegDate DESC, szShootDate DESC, szGUID DESC",
-                                  folder),
+    // The key alone is sorted: whole rows would be, too, and a folder may have very many.
+    Rows newest = m_db->Select(
+        "SELECT szGUID FROM PhotoMaster WHERE dwFolderID = %d AND szLTBURL <> '' "
+        "ORDER BY szRegDate DESC, szShootDate DESC, szGUID DESC",
+        folder);
+    return newest.HasRow() &&
+           FillFirst(m_db->Select("SELECT * FROM PhotoMaster WHERE szGUID = '%s'", newest->Text()),
                      item);
   });
 }

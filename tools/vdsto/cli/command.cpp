@@ -29,6 +29,15 @@ std::string Unshielded(const std::string& word) {
   return word.starts_with(kShield) ? word.substr(1) : word;
 }
 
+CLI::Option* AddTexts(CLI::App& app, const char* names, std::vector<std::string>& values,
+                      const std::string& help) {
+  const auto take = [&values](const std::vector<std::string>& words) {
+    values.clear();
+    std::transform(words.begin(), words.end(), std::back_inserter(values), &Unshielded);
+  };
+  return app.add_option_function<std::vector<std::string>>(names, take, help);
+}
+
 CLI::Option* AddText(CLI::App& app, const char* names, std::string& value,
                      const std::string& help) {
   return app
@@ -60,15 +69,13 @@ Command& Command::OptionalWord(const char* name, std::string& value, const char*
 
 Command& Command::Words(const char* name, std::vector<std::string>& values, const std::string& help,
                         bool is_required) {
-  app_.add_option_function<std::vector<std::string>>(
-          name,
-          [&values](const std::vector<std::string>& words) {
-            values.clear();
-            std::transform(words.begin(), words.end(), std::back_inserter(values), &Unshielded);
-          },
-          help)
-      ->type_name("")
-      ->required(is_required);
+  AddTexts(app_, name, values, help)->type_name("")->required(is_required);
+  return *this;
+}
+
+Command& Command::Option(const char* names, const char* type, std::vector<std::string>& values,
+                         const char* help) {
+  AddTexts(app_, names, values, help)->type_name(type)->allow_extra_args(false);
   return *this;
 }
 

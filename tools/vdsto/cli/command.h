@@ -38,6 +38,9 @@ class Command {
   Command& Option(const char* names, const char* type, std::string& value, const char* help);
   /// An option whose value is a whole number from 1 on.
   Command& NumberOption(const char* names, const char* type, int& value, const char* help);
+  /// The same, and may be given several times.
+  Command& Option(const char* names, const char* type, std::vector<std::string>& values,
+                  const char* help);
   Command& RequiredOption(const char* names, const char* type, std::string& value,
                           const char* help);
   Command& Flag(const char* names, bool& value, const char* help);

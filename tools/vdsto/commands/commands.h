@@ -10,6 +10,7 @@ void AddTree(CommandGroup& tool);
 void AddList(CommandGroup& tool);
 void AddInfo(CommandGroup& tool);
 void AddThumb(CommandGroup& tool);
+void AddGallery(CommandGroup& tool);
 void AddRate(CommandGroup& tool);
 void AddTag(CommandGroup& tool);
 void AddTitle(CommandGroup& tool);

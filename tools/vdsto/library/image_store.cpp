@@ -159,6 +159,18 @@ bool ImageStore::Has(const std::string& key) {
   return storage_.IsImage(key.c_str());
 }
 
+bool ImageStore::Lend(const std::string& key,
+                      const std::function<void(std::span<const uint8_t>)>& use) {
+  CBinData image;
+  const struct Loan {
+    DWORD handle;
+    ~Loan() { CRkPhotoImageStorage::Free_Image(handle); }
+  } loan{storage_.Lock_Image(key.c_str(), image)};
+  if (image.GetLength() == 0) return false;
+  use({static_cast<const uint8_t*>(image.GetData()), static_cast<size_t>(image.GetLength())});
+  return true;
+}
+
 void ImageStore::Put(const std::string& key, std::span<const uint8_t> image) {
   if (!is_open_ && !Open()) Create(), Open();
   if (!storage_.SetImage(key.c_str(), image.data(), static_cast<int>(image.size()))) {

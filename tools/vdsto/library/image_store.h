@@ -45,6 +45,8 @@ class ImageStore {
   /// False when the library has no store yet. Throws ToolError when it cannot be opened.
   bool Open();
   bool Has(const std::string& key);
+  /// Shows an image to `use` as it lies in the store; false when there is none.
+  bool Lend(const std::string& key, const std::function<void(std::span<const uint8_t>)>& use);
   /// Stores or replaces an image; makes the store when there is none. Throws ToolError; an older
   /// image is still there then.
   void Put(const std::string& key, std::span<const uint8_t> image);

@@ -1,0 +1,76 @@
+#include "tools/vdsto/gallery/gallery_writer.h"
+
+#include <array>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "tools/vdsto/gallery/gallery_data.h"
+#include "tools/vdsto/gallery/page_files.h"
+#include "tools/vdsto/library/image_store.h"
+#include "tools/vdsto/picture/picture_decoder.h"
+
+namespace vdsto {
+namespace {
+
+/// The orientation that turns an upright picture by 0 to 3 quarters, clockwise.
+constexpr std::array kOrientations{1, 6, 3, 8};
+
+std::string_view TextOf(std::span<const uint8_t> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+/// A thumbnail that cannot be decoded stays as it is.
+void WriteTurned(std::span<const uint8_t> image, int quarters, const std::string& name,
+                 GalleryOutput& output) {
+  const int orientation = kOrientations[static_cast<size_t>(quarters) % kOrientations.size()];
+  DecodedPicture turned;
+  if (orientation != 1) {
+    [[maybe_unused]] static const bool is_ready = (InitialiseDecoder(), true);
+    turned = DecodePicture({std::as_bytes(image), {}}, PictureFormat::kJpeg, orientation);
+  }
+  output.Write(name, TextOf(turned.thumbnail.empty() ? image : turned.thumbnail));
+}
+
+/// Forgets the keys of thumbnails that are not there.
+size_t WriteThumbnails(Gallery& gallery, const std::string& library_folder, GalleryOutput& output) {
+  ImageStore store(library_folder);
+  const bool is_open = store.Open();
+  size_t written = 0;
+  for (size_t i = 0; i < gallery.photos.size(); ++i) {
+    GalleryPhoto& photo = gallery.photos[i];
+    const auto write = [&](std::span<const uint8_t> image) {
+      WriteTurned(image, photo.item.Rotate, ThumbnailPath(i), output);
+    };
+    if (is_open && !photo.image_key.empty() && store.Lend(photo.image_key, write))
+      ++written;
+    else
+      photo.image_key.clear();
+  }
+  return written;
+}
+
+std::string PageText(const EmbeddedFile& file, const std::string& title) {
+  constexpr std::string_view kTitle = "{{title}}";
+  std::string text(file.contents);
+  if (!file.name.ends_with(".html")) return text;
+  const std::string html = HtmlText(title);
+  for (size_t at = 0; (at = text.find(kTitle, at)) != std::string::npos; at += html.size())
+    text.replace(at, kTitle.size(), html);
+  return text;
+}
+
+}  // namespace
+
+size_t WriteGallery(Gallery& gallery, const std::string& title, const std::string& library_folder,
+                    GalleryOutput& output) {
+  const size_t thumbnails = WriteThumbnails(gallery, library_folder, output);
+  output.Write("data/index.js", IndexScript(gallery, title));
+  for (size_t chunk = 0; chunk * kPhotosPerChunk < gallery.photos.size(); ++chunk)
+    output.Write("data/" + std::to_string(chunk) + ".js", ChunkScript(gallery, chunk));
+  for (const EmbeddedFile& file : PageFiles())
+    output.Write(std::string(file.name), PageText(file, title));
+  return thumbnails;
+}
+
+}  // namespace vdsto
