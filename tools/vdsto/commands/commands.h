@@ -28,5 +28,8 @@ void AddFolder(CommandGroup& tool);
 void AddRoom(CommandGroup& tool);
 void AddAlbum(CommandGroup& tool);
 void AddReset(CommandGroup& tool);
+void AddUpload(CommandGroup& tool);
+/// `vdsto upload run`, for the group `upload`.
+void AddUploadRun(CommandGroup& upload);
 
 }  // namespace vdsto
