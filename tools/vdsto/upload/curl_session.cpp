@@ -14,6 +14,9 @@ namespace {
 constexpr long kConnectSeconds = 20;
 /// Less than a byte a second for so long is no connection any more.
 constexpr long kSilenceSeconds = 60;
+/// Without any end libcurl asks over and over, without a pause, whether the server has answered to
+/// the end of an SFTP transfer.
+constexpr long kEndlessSeconds = 20 * 24 * 3600;
 constexpr long kMostBuffer = 512 * 1024;
 
 CURL* NewHandle() {
@@ -93,6 +96,7 @@ void CurlSession::Begin(const std::string& path) {
   Set(CURLOPT_PROTOCOLS_STR, place_.scheme.c_str());
   Set(CURLOPT_NOSIGNAL, 1L);
   Set(CURLOPT_CONNECTTIMEOUT, kConnectSeconds);
+  Set(CURLOPT_TIMEOUT, kEndlessSeconds);
   Set(CURLOPT_LOW_SPEED_LIMIT, 1L);
   Set(CURLOPT_LOW_SPEED_TIME, kSilenceSeconds);
   Set(CURLOPT_TCP_KEEPALIVE, 1L);

@@ -40,8 +40,8 @@ Uploaded FileUpload::Deliver(OutgoingFile& file, TargetFolder& folder, UploadTar
       RemoveParts(folder, target, "");
       return {PlaceOf(name), file.Size(), true};
     }
-    if (!std::exchange(is_sent, true)) Send(file, folder, target);
-    const bool is_free = target.Rename(PlaceOf(part), PlaceOf(name));
+    const bool is_free = std::exchange(is_sent, true) ? target.Rename(PlaceOf(part), PlaceOf(name))
+                                                      : Send(file, folder, target, name);
     folder.Add(name);
     if (!is_free) continue;
     folder.Forget(part);
@@ -50,13 +50,13 @@ Uploaded FileUpload::Deliver(OutgoingFile& file, TargetFolder& folder, UploadTar
   throw UploadError(UploadFault::kBadName, job_.name + ": too many files of that name");
 }
 
-void FileUpload::Send(OutgoingFile& file, TargetFolder& folder, UploadTarget& target) {
+bool FileUpload::Send(OutgoingFile& file, TargetFolder& folder, UploadTarget& target,
+                      const std::string& name) {
   const std::string part = PartName(job_.guid, file.Stamp());
   RemoveParts(folder, target, part);
   const bool resume = folder.Has(part);
   folder.Add(part);
-  target.Send(file, PlaceOf(part), resume);
-  file.RequireUnchanged();
+  return target.SendAs(file, PlaceOf(part), resume, PlaceOf(name));
 }
 
 /// Those of other states of the file, too.

@@ -37,7 +37,8 @@ class FileUpload {
 
  private:
   Uploaded Deliver(OutgoingFile& file, TargetFolder& folder, UploadTarget& target);
-  void Send(OutgoingFile& file, TargetFolder& folder, UploadTarget& target);
+  bool Send(OutgoingFile& file, TargetFolder& folder, UploadTarget& target,
+            const std::string& name);
   void RemoveParts(TargetFolder& folder, UploadTarget& target, const std::string& except);
   void Count(uint64_t position, uint64_t sent);
   std::string PlaceOf(const std::string& name) const;

@@ -63,6 +63,7 @@ size_t OutgoingFile::Read(std::span<char> buffer) {
       static_cast<size_t>(std::min<uint64_t>(limiter_.Portion(buffer.size()), Size() - position_));
   const size_t count = ReadAt(position_, buffer.first(wanted));
   if (count < wanted) ThrowChanged();
+  if (position_ + count == Size()) RequireUnchanged();
   if (count > 0) limiter_.Wait(count);
   position_ += count;
   unnoted_ += count;

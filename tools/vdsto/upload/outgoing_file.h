@@ -32,17 +32,16 @@ class OutgoingFile {
   /// What is sent next begins at this byte.
   void Begin(uint64_t position);
   /// The next bytes to send, as many as the limit of the rate allows at once; none at the end.
-  /// Throws UploadError, and UploadStopped when the user wants to stop.
+  /// Throws UploadError, also instead of the last bytes of a file that has changed since it was
+  /// opened, and UploadStopped when the user wants to stop.
   size_t Read(std::span<char> buffer);
   /// The target has all that was read until now.
   void NoteArrival() { arrived_(position_, std::exchange(unnoted_, 0)); }
   /// Reads for a comparison: not limited, not counted. As many bytes as there are.
   size_t ReadAt(uint64_t position, std::span<char> buffer) const;
 
-  /// Throws UploadError when the file is not the one that was opened any more.
-  void RequireUnchanged() const;
-
  private:
+  void RequireUnchanged() const;
   [[noreturn]] void ThrowChanged() const;
 
   std::string path_;

@@ -82,20 +82,25 @@ class SftpTarget : public UploadTarget {
   }
 
   void Send(OutgoingFile& file, const std::string& path, bool resume) override {
-    Begin(path);
-    session_.SetFile(file, resume);
-    const CURLcode code = session_.Perform();
-    // A longer file than ours is no part of it.
-    if (resume && code == CURLE_FTP_COULDNT_USE_REST) return Send(file, path, false);
-    if (code != CURLE_OK) ThrowOfSending(code, session_.Reason());
+    Transfer(file, path, resume, {});
     file.NoteArrival();
     if (SizeOf(path) != file.Size())
       throw UploadError(UploadFault::kNotWhole, path + ": its size is not that of the file");
   }
 
+  /// The server has confirmed every write and the close before it renames, so that the size of what
+  /// was sent from its beginning need not be asked for, which would take as long as sending it.
+  bool SendAs(OutgoingFile& file, const std::string& part, bool resume,
+              const std::string& to) override {
+    if (resume) return UploadTarget::SendAs(file, part, resume, to);
+    const bool is_renamed = Transfer(file, part, resume, {RenameCommand(part, to)});
+    file.NoteArrival();
+    return is_renamed || Rename(part, to);
+  }
+
   /// The protocol's rename never replaces.
   bool Rename(const std::string& from, const std::string& to) override {
-    const CURLcode code = Command({"rename " + Named(from) + " " + Named(to)});
+    const CURLcode code = Command({RenameCommand(from, to)});
     if (code == CURLE_OK) return true;
     const UploadError error = ErrorOf(code);
     if (code == CURLE_QUOTE_ERROR && SizeOf(to)) return false;
@@ -147,6 +152,24 @@ class SftpTarget : public UploadTarget {
     session_.Set(CURLOPT_SSH_PRIVATE_KEYFILE, login.key_file.c_str());
     if (!credentials_.key_password.empty())
       session_.Set(CURLOPT_KEYPASSWD, credentials_.key_password.c_str());
+  }
+
+  /// False when the file was sent and one of the commands behind it failed.
+  bool Transfer(OutgoingFile& file, const std::string& path, bool resume,
+                const std::vector<std::string>& commands) {
+    Begin(path);
+    session_.SetFile(file, resume);
+    if (!commands.empty()) session_.SetList(CURLOPT_POSTQUOTE, commands);
+    const CURLcode code = session_.Perform();
+    if (code == CURLE_OK) return true;
+    if (code == CURLE_QUOTE_ERROR) return false;
+    // A longer file than ours is no part of it.
+    if (resume && code == CURLE_FTP_COULDNT_USE_REST) return Transfer(file, path, false, commands);
+    ThrowOfSending(code, session_.Reason());
+  }
+
+  std::string RenameCommand(const std::string& from, const std::string& to) const {
+    return "rename " + Named(from) + " " + Named(to);
   }
 
   CURLcode List(const std::string& folder) {

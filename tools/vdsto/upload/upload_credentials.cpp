@@ -1,5 +1,7 @@
 #include "tools/vdsto/upload/upload_credentials.h"
 
+#include <unistd.h>
+
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
 
@@ -14,7 +16,9 @@ UploadCredentials ReadUploadCredentials(const std::string& key_file,
   result.known_hosts = EnvironmentVariable("VDSTO_UPLOAD_KNOWN_HOSTS");
   result.certificates = EnvironmentVariable("VDSTO_UPLOAD_CA");
   result.key_file = key_file;
-  result.netrc_file = netrc_file.empty() ? HomeFile(".netrc") : netrc_file;
+  result.netrc_file = netrc_file;
+  const std::string usual = HomeFile(".netrc");
+  if (netrc_file.empty() && access(usual.c_str(), R_OK) == 0) result.netrc_file = usual;
   if (result.known_hosts.empty()) result.known_hosts = HomeFile(".ssh/known_hosts");
   return result;
 }

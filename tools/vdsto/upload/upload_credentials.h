@@ -10,7 +10,7 @@ struct UploadCredentials {
   std::string password;      ///< $VDSTO_UPLOAD_PASSWORD
   std::string key_password;  ///< $VDSTO_UPLOAD_KEY_PASSWORD, of the ssh key
   std::string key_file;      ///< an ssh key; empty: the agent's and those in ~/.ssh
-  std::string netrc_file;    ///< empty: ~/.netrc
+  std::string netrc_file;    ///< else ~/.netrc, if there is one
   std::string known_hosts;   ///< $VDSTO_UPLOAD_KNOWN_HOSTS, else ~/.ssh/known_hosts
   std::string certificates;  ///< $VDSTO_UPLOAD_CA; empty: the system's
 };

@@ -28,6 +28,12 @@ class UploadTarget {
   /// Sends the file to `path`, whole. With `resume` `path` may hold its first bytes, which are not
   /// sent again. Tells the file how far it got; afterwards the sizes are the same.
   virtual void Send(OutgoingFile& file, const std::string& path, bool resume) = 0;
+  /// The same and Rename, in one go if the target can.
+  virtual bool SendAs(OutgoingFile& file, const std::string& part, bool resume,
+                      const std::string& to) {
+    Send(file, part, resume);
+    return Rename(part, to);
+  }
   /// False, and nothing happens, when `to` exists.
   virtual bool Rename(const std::string& from, const std::string& to) = 0;
   /// Are the contents of `path` those of the file? False when there is no such file.
