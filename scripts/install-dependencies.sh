@@ -6,13 +6,13 @@ set -euo pipefail
 
 packages=(
   build-essential cmake ninja-build pkg-config ca-certificates
-  libvips-dev libexiv2-dev libcli11-dev nlohmann-json3-dev libssl-dev libutf8proc-dev
+  libvips-dev libexiv2-dev libcli11-dev libcurl4-openssl-dev nlohmann-json3-dev libssl-dev libutf8proc-dev
 )
 for purpose in "$@"; do
   case "$purpose" in
     build) ;;
     demo) packages+=(libvips-tools exiv2) ;;
-    test) packages+=(libgtest-dev libgmock-dev python3) ;;
+    test) packages+=(libgtest-dev libgmock-dev python3 openssh-server lighttpd lighttpd-mod-webdav) ;;
     gallery) packages+=(chromium fonts-nanum) ;;
     bench) packages+=(libbenchmark-dev libvips-tools liblmdb-dev librocksdb-dev) ;;
     docs) packages+=(doxygen) ;;

@@ -29,7 +29,8 @@ constexpr const char* kExitCodes = R"(Exit codes:
   6    what was asked for is not there or cannot be read
   7    the image store has faults
   8    not done, so that nothing is lost
-  9    done in part: a folder to import could not be read
+  9    done in part: a folder to import could not be read, a file not be uploaded
+  10   the target of an upload cannot be reached, does not let in or is full
   130  interrupted; what was done until then is kept)";
 
 class CommandLine {

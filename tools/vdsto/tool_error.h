@@ -15,7 +15,8 @@ enum class ExitCode {
   kNotFound = 6,    ///< what was asked for is not there or cannot be read
   kDamaged = 7,     ///< the image store has faults
   kRefused = 8,     ///< not done, so that nothing is lost
-  kIncomplete = 9,  ///< some of what was asked for could not be read; the rest is done
+  kIncomplete = 9,  ///< some of what was asked for could not be read or sent; the rest is done
+  kTarget = 10,     ///< the target of an upload cannot be reached, does not let in or is full
   kInterrupted = 130,
 };
 

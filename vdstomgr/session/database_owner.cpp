@@ -56,6 +56,13 @@ void DatabaseOwner::DeleteDB(const char* path) {
   });
 }
 
+bool DatabaseOwner::InOneCommit(const std::function<void()>& body) {
+  return m_db->Guarded(false, [&] {
+    body();
+    return true;
+  });
+}
+
 CString DatabaseOwner::cToDBString(const char* text) const {
   std::string quoted;
   AppendQuoted(quoted, ViewOf(text));

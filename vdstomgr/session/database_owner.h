@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 
 #include "vdstomgr/platform/framework/cstring.h"
 #include "vdstomgr/session/clock.h"
@@ -26,6 +27,11 @@ class VDSTO_API DatabaseOwner : public DatabaseOperations {
   bool RefreshDB();
   /// Deletes a database file; nothing is reported.
   void DeleteDB(const char* path);
+
+  /// Runs `body`, in which this object's operations are one commit; other threads' wait meanwhile.
+  /// What fails in it fails and is reported as ever, and the rest is committed. False when nothing
+  /// is open or the commit fails.
+  bool InOneCommit(const std::function<void()>& body);
 
   /// The object's clock, in seconds since 1970: set from outside, it runs on by itself. The three
   /// take no lock.

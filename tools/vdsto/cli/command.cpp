@@ -55,6 +55,13 @@ int NumberFrom(const char* name, const std::string& word, int least, int most) {
                              " to " + std::to_string(most) + ", not '" + Printable(word) + "'");
 }
 
+CLI::Option* AddNumber(CLI::App& app, const char* name, int& value, int least, int most,
+                       const std::string& help) {
+  return app.add_option_function<std::string>(
+      name, [=, &value](const std::string& word) { value = NumberFrom(name, word, least, most); },
+      help);
+}
+
 }  // namespace
 
 Command& Command::Word(const char* name, std::string& value, const char* help) {
@@ -80,12 +87,14 @@ Command& Command::Option(const char* names, const char* type, std::vector<std::s
 }
 
 Command& Command::Number(const char* name, int& value, int least, int most, const char* help) {
-  app_.add_option_function<std::string>(
-          name,
-          [=, &value](const std::string& word) { value = NumberFrom(name, word, least, most); },
-          help)
-      ->type_name("")
-      ->required();
+  AddNumber(app_, name, value, least, most, help)->type_name("")->required();
+  return *this;
+}
+
+Command& Command::NumberOption(const char* name, int& value, int least, int most,
+                               const char* help) {
+  AddNumber(app_, name, value, least, most, help + (", else " + std::to_string(value)))
+      ->type_name("N");
   return *this;
 }
 

@@ -43,6 +43,8 @@ class Command {
                   const char* help);
   Command& RequiredOption(const char* names, const char* type, std::string& value,
                           const char* help);
+  /// An option whose value is a whole number between `least` and `most`.
+  Command& NumberOption(const char* name, int& value, int least, int most, const char* help);
   Command& Flag(const char* names, bool& value, const char* help);
   /// Paragraphs below the help.
   Command& Notes(const std::string& text);

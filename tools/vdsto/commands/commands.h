@@ -30,5 +30,7 @@ void AddFolder(CommandGroup& tool);
 void AddRoom(CommandGroup& tool);
 void AddAlbum(CommandGroup& tool);
 void AddReset(CommandGroup& tool);
+/// `vdsto upload run`, for the group `upload`.
+void AddUploadRun(CommandGroup& upload);
 
 }  // namespace vdsto

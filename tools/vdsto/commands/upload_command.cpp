@@ -318,6 +318,7 @@ void AddUpload(CommandGroup& tool) {
   upload.Add<UploadMove<kBottom>>(kBottom.name, kBottom.help);
   upload.Add<UploadRetry>("retry", "Try again what failed for a reason that may be gone");
   upload.Add<UploadRemove>("rm", "Take uploads out of the queue");
+  AddUploadRun(upload);
   upload.Add<UploadStat>("stat", "Count the queue's files and bytes");
   upload.Add<UploadSave>("save", "Write what is not done to a file");
   upload.Add<UploadLoad>("load", "Queue what such a file holds");

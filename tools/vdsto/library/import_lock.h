@@ -2,6 +2,8 @@
 #include <functional>
 #include <string>
 
+#include "tools/vdsto/library/lock_file.h"
+
 namespace vdsto {
 
 /// Only one import at a time works on a library folder: a second one would take the first one's new
@@ -12,12 +14,9 @@ class ImportLock {
   /// `waiting` over and over until it throws or the lock is free. Throws ToolError when the folder
   /// cannot be written.
   ImportLock(const std::string& library_folder, const std::function<void()>& waiting);
-  ~ImportLock();
-  ImportLock(const ImportLock&) = delete;
-  ImportLock& operator=(const ImportLock&) = delete;
 
  private:
-  int descriptor_;
+  LockFile file_;
 };
 
 }  // namespace vdsto
