@@ -17,7 +17,7 @@ constexpr std::array kGroups{&AddImport,     &AddTree,   &AddList,   &AddInfo,  
                              &AddRate,       &AddTag,    &AddTitle,  &AddDescribe, &AddRotate,
                              &AddFlag,       &AddCamera, &AddTrash,  &AddSync,     &AddNotify,
                              &AddMakeFolder, &AddMove,   &AddFolder, &AddRoom,     &AddAlbum,
-                             &AddStat,       &AddStore,  &AddReset};
+                             &AddStat,       &AddStore,  &AddReset,  &AddFind,     &AddReindex};
 
 constexpr const char* kExitCodes = R"(Exit codes:
   0    done; broken pictures are kept and named, and are no failure
