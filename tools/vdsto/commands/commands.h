@@ -6,9 +6,11 @@ namespace vdsto {
 class CommandGroup;
 
 void AddImport(CommandGroup& tool);
+void AddReindex(CommandGroup& tool);
 void AddTree(CommandGroup& tool);
 void AddList(CommandGroup& tool);
 void AddInfo(CommandGroup& tool);
+void AddFind(CommandGroup& tool);
 void AddThumb(CommandGroup& tool);
 void AddGallery(CommandGroup& tool);
 void AddRate(CommandGroup& tool);

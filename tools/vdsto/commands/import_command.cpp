@@ -75,6 +75,7 @@ struct Import {
     InitialiseProbing();
     const ImportLock lock = invocation.LockOutImports();
     Library library(options, lock);
+    library.CallSearch([](auto& copy) { copy.Prepare(); });
     const ImportSummary summary = ImportFolders(library, roots, invocation.WantsJson());
     invocation.Write(Describe(summary));
     if (summary.interrupted) return ExitCode::kInterrupted;

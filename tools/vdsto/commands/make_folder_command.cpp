@@ -111,6 +111,7 @@ struct RemoveFolder {
       library.Call([&](auto& catalogue) {
         return catalogue.DelActiveFolder(ids) && catalogue.DeleteFolderInfo(ids);
       });
+      library.CallSearch([](auto& copy) { copy.FoldersChanged(); });
     });
   }
 

@@ -130,6 +130,10 @@ class Move {
              (target_.name.empty() || catalogue.SetFileName(guids, target_.name.c_str()));
     });
     for (const uint32_t folder : sources_.folders) ApplyTo(folder);
+    library_.CallSearch([&](auto& copy) {
+      copy.PhotosChanged(guids);
+      if (!sources_.folders.empty()) copy.FoldersChanged();
+    });
   }
 
  private:

@@ -226,6 +226,7 @@ FolderId FolderMirror::Create(FolderId parent, const std::string& source) {
       ReadFolders();
       continue;
     }
+    library_.CallSearch([&](auto& copy) { copy.FolderAdded(folder); });
     Remember(folder.dwFolderID, parent, folder.szFolderName);
     ++created_;
     return folder.dwFolderID;

@@ -77,6 +77,7 @@ void PhotoWriter::FlushRows() {
   if (batch_.IsEmpty()) return;
   if (StoreBatch()) {
     summary_.added += batch_paths_.size();
+    library_.CallSearch([&](auto& copy) { copy.PhotosAdded(batch_); });
   } else {
     WriteOneByOne();
   }
@@ -107,9 +108,11 @@ void PhotoWriter::WriteOneByOne() {
 /// full disk and the like end the import.
 bool PhotoWriter::Store(const PHOTOINFO& photo, const std::string& path, bool is_new) {
   try {
-    return library_.Call([&](auto& catalogue) {
+    const bool stored = library_.Call([&](auto& catalogue) {
       return is_new ? catalogue.AddPhotoInfo(photo, true) : catalogue.SetPhotoInfo(photo, false);
     });
+    library_.CallSearch([&](auto& copy) { copy.PhotosChanged({photo.szGUID}); });
+    return stored;
   } catch (const ToolError& error) {
     if (!error.ConcernsValue()) throw;
     summary_.not_stored.push_back({path, error.what()});

@@ -70,8 +70,10 @@ uint32_t CreateFolder(Library& library, uint32_t parent, const std::string& name
     library.Call([&](auto& catalogue) {
       return catalogue.AddFolderInfo(folder) && catalogue.GetFolderInfo(folder.dwFolderID, stored);
     });
-    if (stored.dwParentID == parent && std::strcmp(stored.szFolderName, folder.szFolderName) == 0)
-      return folder.dwFolderID;
+    if (stored.dwParentID != parent || std::strcmp(stored.szFolderName, folder.szFolderName) != 0)
+      continue;
+    library.CallSearch([&](auto& copy) { copy.FolderAdded(folder); });
+    return folder.dwFolderID;
   }
   throw ToolError(ExitCode::kCatalogue, "no free number for the folder " + Printable(name));
 }

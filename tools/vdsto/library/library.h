@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "tools/vdsto/library/search_copy.h"
 #include "vdstomgr/vdstomgr.h"
 
 namespace vdsto {
@@ -43,6 +44,15 @@ class Library {
     return result;
   }
 
+  /// The same for the search database: `operation(copy)`.
+  template <typename Operation>
+  auto CallSearch(Operation operation) {
+    return Call([&](auto&) {
+      operation(search_);
+      return true;
+    });
+  }
+
   /// The photos of a folder by name, its sub-folders by name, and all folders.
   vdstomgr::PhotoArray PhotosIn(uint32_t folder);
   vdstomgr::FolderArray FoldersIn(uint32_t folder);
@@ -61,6 +71,7 @@ class Library {
   std::string folder_;
   std::string path_;
   CRkPhotoDBManager catalogue_;
+  SearchCopy search_;
 };
 
 /// Sets the library up for this process: text as UTF-8, errors to whoever called. Before the first

@@ -81,12 +81,14 @@ void PutIntoTrash(Library& library, const CStringArray& guids) {
   }
   for (const auto& [trash, photos] : moves)
     library.Call([&](auto& catalogue) { return catalogue.SetFolder(photos, trash); });
+  library.CallSearch([&](auto& copy) { copy.PhotosChanged(guids); });
 }
 
 void TakeOutOfTrash(Library& library, const std::string& guid, uint32_t folder) {
   library.Call([&](auto& catalogue) {
     return catalogue.SetFolder(guid.c_str(), folder) && catalogue.DeleteTrashPhoto(guid.c_str());
   });
+  library.CallSearch([&](auto& copy) { copy.PhotosChanged({guid}); });
 }
 
 void DeleteForGood(Library& library, const CStringArray& guids) {
@@ -94,6 +96,7 @@ void DeleteForGood(Library& library, const CStringArray& guids) {
     return catalogue.DeletePhotosAndRelations(guids, nullptr) &&
            catalogue.DeleteTrashPhoto(guids, nullptr);
   });
+  library.CallSearch([&](auto& copy) { copy.PhotosChanged(guids); });
 }
 
 void FollowMove(Library& library, const std::string& old_path, const std::string& new_path) {

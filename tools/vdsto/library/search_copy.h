@@ -1,0 +1,42 @@
+#pragma once
+#include <string>
+
+#include "vdstomgr/vdstomgr.h"
+
+namespace vdsto {
+
+/// The search database that lies beside a catalogue. It is made of the catalogue, and again
+/// whenever it turns out that it is not there, of another version, or not of as many photos and
+/// folders. Reports of the database go where those of the catalogue go.
+class SearchCopy {
+ public:
+  /// Both texts are those of the catalogue, which must live longer and be open.
+  SearchCopy(CRkPhotoDBManager& catalogue, std::string path, std::string password);
+
+  /// The database, current. False when it could not be made.
+  bool Prepare();
+  /// Makes it anew.
+  bool Make();
+  CRkSearchDBManager& Database() { return database_; }
+
+  /// What a command has changed in the catalogue, unless there is no copy yet.
+  void PhotosAdded(const vdstomgr::PhotoArray& photos);
+  void PhotosChanged(const CStringArray& guids);
+  void FolderAdded(const FOLDERINFO& folder);
+  void FoldersChanged();
+
+ private:
+  bool Open();
+  bool IsCurrent();
+  bool AddAllPhotos();
+  bool AddFolders(bool with_roots);
+  void TakeOver(const char* guid);
+
+  CRkPhotoDBManager& catalogue_;
+  std::string path_;
+  std::string password_;
+  CRkSearchDBManager database_;
+  bool is_open_ = false;
+};
+
+}  // namespace vdsto
