@@ -91,25 +91,15 @@ Command& Command::Number(const char* name, int& value, int least, int most, cons
   return *this;
 }
 
-Command& Command::NumberOption(const char* name, int& value, int least, int most,
-                               const char* help) {
-  AddNumber(app_, name, value, least, most, help + (", else " + std::to_string(value)))
-      ->type_name("N");
-  return *this;
-}
-
 Command& Command::Option(const char* names, const char* type, std::string& value,
                          const char* help) {
   AddText(app_, names, value, help)->type_name(type);
   return *this;
 }
 
-Command& Command::NumberOption(const char* names, const char* type, int& value, const char* help) {
-  app_.add_option_function<std::string>(
-          names,
-          [=, &value](const std::string& word) { value = NumberFrom(type, word, 1, INT32_MAX); },
-          help)
-      ->type_name(type);
+Command& Command::NumberOption(const char* names, const char* type, int& value, int least, int most,
+                               const char* help) {
+  AddNumber(app_, names, value, least, most, help)->type_name(type);
   return *this;
 }
 

@@ -36,15 +36,14 @@ class Command {
   Command& Number(const char* name, int& value, int least, int most, const char* help);
   /// An option with a value, "-o,--output"; `type` stands for the value in the help.
   Command& Option(const char* names, const char* type, std::string& value, const char* help);
-  /// An option whose value is a whole number from 1 on.
-  Command& NumberOption(const char* names, const char* type, int& value, const char* help);
   /// The same, and may be given several times.
   Command& Option(const char* names, const char* type, std::vector<std::string>& values,
                   const char* help);
   Command& RequiredOption(const char* names, const char* type, std::string& value,
                           const char* help);
   /// An option whose value is a whole number between `least` and `most`.
-  Command& NumberOption(const char* name, int& value, int least, int most, const char* help);
+  Command& NumberOption(const char* names, const char* type, int& value, int least, int most,
+                        const char* help);
   Command& Flag(const char* names, bool& value, const char* help);
   /// Paragraphs below the help.
   Command& Notes(const std::string& text);

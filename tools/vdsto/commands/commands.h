@@ -7,6 +7,7 @@ class CommandGroup;
 
 void AddImport(CommandGroup& tool);
 void AddReindex(CommandGroup& tool);
+void AddTagged(CommandGroup& tool);
 void AddTree(CommandGroup& tool);
 void AddList(CommandGroup& tool);
 void AddInfo(CommandGroup& tool);

@@ -17,36 +17,19 @@ constexpr int kAskedAtFirst =
 /// What all searches take.
 struct SearchOptions {
   FilterWords filter;
-  int limit = 0;
-  std::string limit_text = "100";
-  std::string rating_text;
+  int limit = 100;
   bool ends_with_zero = false;
 
   void Declare(Command& command) {
-    command.Option("--limit", "N", limit_text, "At most so many photos and folders each (100)")
+    command
+        .NumberOption("--limit", "N", limit, 1, kMost,
+                      "At most so many photos and folders each (100)")
         .Option("--since", "DAY", filter.since, "Taken on that day, month or year, or later")
         .Option("--until", "DAY", filter.until, "Taken on that day, month or year, or earlier")
         .Option("--camera", "TEXT", filter.camera, "With a camera whose model has this in its name")
-        .Option("--rating", "N", rating_text, "Rated so high at least")
+        .NumberOption("--rating", "N", filter.rating, 1, 5, "Rated so high at least")
         .Option("--folder", "FOLDER", filter.folder, "In that folder or below it")
         .Flag("-0,--null", ends_with_zero, "Write paths only, each ended by a zero byte");
-  }
-
-  SearchOptions Read() const {
-    SearchOptions read = *this;
-    read.limit = NumberOf(limit_text, kMost, "--limit");
-    if (!rating_text.empty()) read.filter.rating = NumberOf(rating_text, 5, "--rating");
-    return read;
-  }
-
- private:
-  static int NumberOf(const std::string& text, int most, const char* option) {
-    const bool is_number = !text.empty() && text.size() < 10 &&
-                           text.find_first_not_of("0123456789") == std::string::npos;
-    const int number = is_number ? std::stoi(text) : 0;
-    if (number >= 1 && number <= most) return number;
-    throw ToolError(ExitCode::kUsage,
-                    std::string(option) + " takes a number from 1 to " + std::to_string(most));
   }
 };
 
@@ -144,11 +127,10 @@ struct Find {
   ExitCode Run(Invocation& invocation) const {
     std::string text;
     for (const std::string& word : words) text += (text.empty() ? "" : " ") + Composed(word);
-    const SearchOptions read = options.Read();
     Library library = invocation.OpenLibrary();
-    Search search(library, read);
+    Search search(library, options);
     const bool by_initials = vdstomgr::IsInitials(text.c_str());
-    FilterWords beside_folder = read.filter;
+    FilterWords beside_folder = options.filter;
     beside_folder.folder.clear();
     if (beside_folder.IsEmpty()) search.AddFolders(text.c_str(), by_initials);
     search.AddPhotos([&](auto& database, auto& photos, int max) {
@@ -167,9 +149,8 @@ struct FirstOf {
   void Declare(Command& command) { options.Declare(command); }
 
   ExitCode Run(Invocation& invocation) const {
-    const SearchOptions read = options.Read();
     Library library = invocation.OpenLibrary();
-    Search search(library, read);
+    Search search(library, options);
     search.AddPhotos([](auto& database, auto& photos, int max) {
       return (database.*search_in_order)(photos, max);
     });

@@ -76,8 +76,8 @@ struct UploadList {
   int count = INT32_MAX;
 
   void Declare(Command& command) {
-    command.NumberOption("--from", "POSITION", first, "Begin at this position")
-        .NumberOption("--count", "NUMBER", count, "Show so many at most");
+    command.NumberOption("--from", "POSITION", first, 1, INT32_MAX, "Begin at this position")
+        .NumberOption("--count", "NUMBER", count, 1, INT32_MAX, "Show so many at most");
   }
 
   ExitCode Run(Invocation& invocation) const {

@@ -104,8 +104,9 @@ struct UploadRun {
 
   void Declare(Command& command) {
     command.RequiredOption("--to", "TARGET", target_name, "Where to, as said below")
-        .NumberOption("--threads", threads, 1, 64, "How many files at a time")
-        .NumberOption("--retries", retries, 0, 100, "Further attempts after a passing fault")
+        .NumberOption("--threads", "N", threads, 1, 64, "How many files at a time (4)")
+        .NumberOption("--retries", "N", retries, 0, 100,
+                      "Further attempts after a passing fault (6)")
         .Option("--limit-rate", "RATE", limit, "At most so many bytes a second: 500k, 2M")
         .Option("--key", "FILE", key_file, "An ssh key (else the agent's and those in ~/.ssh)")
         .Option("--netrc", "FILE", netrc_file, "Names and passwords of hosts (else ~/.netrc)")
