@@ -93,6 +93,16 @@ Facts Describe(const UploadSummary& summary) {
       .ForPeople(Sentence(summary));
 }
 
+/// What is wrong with the target as a whole is no fault of a file.
+template <class Function>
+auto AtTarget(Function function) {
+  try {
+    return function();
+  } catch (const UploadError& error) {
+    throw ToolError(ExitCode::kTarget, error.what());
+  }
+}
+
 struct UploadRun {
   std::string target_name;
   std::string key_file;
@@ -116,7 +126,8 @@ struct UploadRun {
 
   ExitCode Run(Invocation& invocation) const {
     const UploadOptions options{threads, retries, RateFrom(limit), invocation.WantsJson()};
-    const auto target = OpenUploadTarget(target_name, ReadUploadCredentials(key_file, netrc_file));
+    const auto target = AtTarget(
+        [&] { return OpenUploadTarget(target_name, ReadUploadCredentials(key_file, netrc_file)); });
     Library library = invocation.OpenLibrary();
     LockFile lock(library.Folder(), "upload.lock");
     if (!lock.Try())
@@ -124,7 +135,8 @@ struct UploadRun {
     UploadQueue queue(library);
     const UploadQueue::Sum ready = queue.Ready();
     if (dry_run) return TellReady(invocation, ready);
-    if (ready.files > 0) Check(*target);
+    // Before any file is claimed.
+    if (ready.files > 0) AtTarget([&] { return target->OpenFolder(""); });
     const UploadSummary summary = RunUploads(queue, *target, options);
     invocation.Write(Describe(summary));
     return Judge(summary);
@@ -138,15 +150,6 @@ struct UploadRun {
         .ForPeople(Counted(ready.files, "file") + " of " + HumanSize(ready.bytes) +
                    " would be uploaded");
     return invocation.Write(facts);
-  }
-
-  /// Before any file is claimed: what is wrong with the target is no fault of files.
-  static void Check(UploadTarget& target) {
-    try {
-      target.OpenFolder("");
-    } catch (const UploadError& error) {
-      throw ToolError(ExitCode::kTarget, error.what());
-    }
   }
 
   static ExitCode Judge(const UploadSummary& summary) {

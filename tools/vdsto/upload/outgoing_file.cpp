@@ -15,10 +15,10 @@
 namespace vdsto {
 namespace {
 
-[[noreturn]] void ThrowSourceErrno(int error, const std::string& path) {
+[[noreturn]] void ThrowSourceErrno(int error) {
   const bool is_gone = error == ENOENT || error == ENOTDIR;
   throw UploadError(is_gone ? UploadFault::kFileGone : UploadFault::kFileUnreadable,
-                    path + ": " + std::generic_category().message(error));
+                    std::generic_category().message(error));
 }
 
 auto TimeOf(const struct stat& state) {
@@ -32,11 +32,11 @@ OutgoingFile::OutgoingFile(const std::string& path, RateLimiter& limiter, Arriva
       limiter_(limiter),
       arrived_(std::move(arrived)),
       descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
-  if (descriptor_ < 0) ThrowSourceErrno(errno, path);
+  if (descriptor_ < 0) ThrowSourceErrno(errno);
   const bool is_file = fstat(descriptor_, &state_) == 0 && S_ISREG(state_.st_mode);
   if (is_file) return;
   close(descriptor_);
-  throw UploadError(UploadFault::kFileUnreadable, path + ": not a file");
+  throw UploadError(UploadFault::kFileUnreadable, "not a file");
 }
 
 OutgoingFile::~OutgoingFile() {
@@ -76,7 +76,7 @@ size_t OutgoingFile::ReadAt(uint64_t position, std::span<char> buffer) const {
     const ssize_t count = pread(descriptor_, buffer.data() + done, buffer.size() - done,
                                 static_cast<off_t>(position + done));
     if (count == 0) break;
-    if (count < 0 && errno != EINTR) ThrowSourceErrno(errno, path_);
+    if (count < 0 && errno != EINTR) ThrowSourceErrno(errno);
     if (count > 0) done += static_cast<size_t>(count);
   }
   return done;
@@ -84,13 +84,13 @@ size_t OutgoingFile::ReadAt(uint64_t position, std::span<char> buffer) const {
 
 void OutgoingFile::RequireUnchanged() const {
   struct stat now {};
-  if (stat(path_.c_str(), &now) != 0) ThrowSourceErrno(errno, path_);
+  if (stat(path_.c_str(), &now) != 0) ThrowSourceErrno(errno);
   if (now.st_size != state_.st_size || TimeOf(now) != TimeOf(state_) || now.st_ino != state_.st_ino)
     ThrowChanged();
 }
 
 void OutgoingFile::ThrowChanged() const {
-  throw UploadError(UploadFault::kFileChanged, path_ + ": it changed while it was sent");
+  throw UploadError(UploadFault::kFileChanged, "it changed while it was sent");
 }
 
 }  // namespace vdsto

@@ -38,8 +38,8 @@ class Run {
       summary_.stopped_by = error.what();
     }
     progress_.Clear();
+    Attempt([&] { queue_.Release(); });
     if (failure_) std::rethrow_exception(failure_);
-    queue_.Release();
     summary_.bytes = progress_.Sent();
     summary_.left = queue_.Ready().files;
     summary_.interrupted = IsInterrupted();

@@ -1,0 +1,89 @@
+#!/usr/bin/env bash
+# Measures `vdsto upload run` against cp -r, scp -r and sftp's put -r, with the same files and the same server.
+# Usage: bench/run-upload.sh [FILES [BYTES]]   (default 10000 files of 12000 bytes)
+# Each is run three times in turn; the best counts. The files lie in $VDSTO_BENCH_FOLDER (default build/bench-upload).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+files=${1:-10000}
+bytes=${2:-12000}
+folder=$(realpath -m "${VDSTO_BENCH_FOLDER:-build/bench-upload}")
+vdsto=$PWD/build/release/tools/vdsto/vdsto
+
+scripts/install-dependencies.sh build test demo
+scripts/build.sh release -- vdsto
+rm -rf "$folder"
+mkdir -p "$folder/src" "$folder/out" "$folder/seed" "$folder/ssh"
+cd "$folder"
+
+# Files of noise in a hundred folders, and the queue of them, by its text form.
+python3 - "$files" "$bytes" <<'PYTHON'
+import os, sys
+files, size = int(sys.argv[1]), int(sys.argv[2])
+with open("queue", "w", newline="") as queue:
+    for i in range(files):
+        place = f"src/{i % 100}"
+        os.makedirs(place, exist_ok=True)
+        path = os.path.abspath(f"{place}/photo{i}.jpg")
+        with open(path, "wb") as out:
+            out.write(os.urandom(size))
+        guid = f"00000000-0000-0000-0000-{i:012d}"
+        queue.write(f'{i}|"{guid}"|"{path}"|{size}|"photo{i}.jpg"|0|"{i % 100}"|0|0\r\n')
+PYTHON
+vips gaussnoise seed/a.png 64 64 # a library is made by importing something
+"$vdsto" --library library import seed >/dev/null
+"$vdsto" --library library upload load queue >/dev/null
+
+ssh-keygen -q -t ed25519 -N '' -f ssh/host
+ssh-keygen -q -t ed25519 -N '' -f ssh/user
+port=$(python3 -c 'import socket; s = socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+[ "$(id -u)" -ne 0 ] || mkdir -p /run/sshd
+cat >ssh/config <<END
+Port $port
+ListenAddress 127.0.0.1
+HostKey $folder/ssh/host
+PidFile none
+AuthorizedKeysFile $folder/ssh/user.pub
+StrictModes no
+UsePAM no
+PermitRootLogin yes
+Subsystem sftp internal-sftp
+END
+echo "[127.0.0.1]:$port $(cat ssh/host.pub)" >ssh/known_hosts
+/usr/sbin/sshd -D -f ssh/config -E ssh/log &
+server=$!
+trap 'kill $server' EXIT
+sleep 1
+export VDSTO_UPLOAD_KNOWN_HOSTS=$folder/ssh/known_hosts
+user=$(id -un)
+ssh_options=(-q -P "$port" -i ssh/user -o UserKnownHostsFile="$folder/ssh/known_hosts")
+echo "put -r $folder/src $folder/out" >ssh/batch
+
+ours() { "$vdsto" --library run upload run --json --to "$1" --key ssh/user; }
+ours_folder() { ours "$folder/out"; }
+ours_sftp() { ours "sftp://$user@127.0.0.1:$port$folder/out"; }
+cp_r() { cp -r src out; }
+scp_r() { scp "${ssh_options[@]}" -r src "$user@127.0.0.1:$folder/out"; }
+sftp_r() { sftp "${ssh_options[@]}" -b ssh/batch "$user@127.0.0.1"; }
+
+declare -A best
+for round in 1 2 3; do
+  for subject in cp_r ours_folder scp_r sftp_r ours_sftp; do
+    rm -rf out run
+    mkdir out
+    cp -r library run
+    sync
+    start=$(date +%s%N)
+    $subject >log 2>&1 || { cat log >&2; exit 1; }
+    took=$((($(date +%s%N) - start) / 1000000))
+    [ "$(find out -type f | wc -l)" -eq "$files" ] || { echo "$subject left files out" >&2; exit 1; }
+    [ "${best[$subject]:-$took}" -lt "$took" ] || best[$subject]=$took
+  done
+done
+
+ratio() { awk "BEGIN { printf \"%.2f\", $1 / $2 }"; }
+peer=$((best[scp_r] < best[sftp_r] ? best[scp_r] : best[sftp_r]))
+echo "$files files of $bytes bytes, milliseconds, best of three"
+printf '%-10s %8s %8s %8s\n' target vdsto peer ratio
+printf '%-10s %8s %8s %8s\n' folder "${best[ours_folder]}" "${best[cp_r]}" "$(ratio "${best[ours_folder]}" "${best[cp_r]}")"
+printf '%-10s %8s %8s %8s\n' sftp "${best[ours_sftp]}" "$peer" "$(ratio "${best[ours_sftp]}" "$peer")"

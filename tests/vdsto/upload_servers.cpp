@@ -1,0 +1,147 @@
+#include "upload_servers.h"
+
+#include <arpa/inet.h>
+#include <pwd.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <fstream>
+#include <stdexcept>
+#include <thread>
+
+namespace vdsto_test {
+namespace fs = std::filesystem;
+
+namespace {
+
+sockaddr_in Loopback(int port) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_port = htons(static_cast<uint16_t>(port));
+  return address;
+}
+
+std::string FreePort() {
+  const int descriptor = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address = Loopback(0);
+  socklen_t size = sizeof address;
+  bind(descriptor, reinterpret_cast<sockaddr*>(&address), size);
+  getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &size);
+  close(descriptor);
+  return std::to_string(ntohs(address.sin_port));
+}
+
+bool Answers(const std::string& port) {
+  const int descriptor = socket(AF_INET, SOCK_STREAM, 0);
+  const sockaddr_in address = Loopback(std::stoi(port));
+  const bool answers =
+      connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+  close(descriptor);
+  return answers;
+}
+
+int Spawn(std::vector<std::string> command) {
+  std::vector<char*> raw;
+  for (std::string& word : command) raw.push_back(word.data());
+  raw.push_back(nullptr);
+  const int pid = fork();
+  if (pid != 0) return pid;
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  execv(raw[0], raw.data());
+  _exit(127);
+}
+
+std::vector<int> ChildrenOf(int pid) {
+  std::vector<int> children;
+  const std::string number = std::to_string(pid);
+  std::ifstream list("/proc/" + number + "/task/" + number + "/children");
+  for (int child = 0; list >> child;) children.push_back(child);
+  return children;
+}
+
+void KillTree(int pid) {
+  kill(pid, SIGSTOP);
+  for (const int child : ChildrenOf(pid)) KillTree(child);
+  kill(pid, SIGKILL);
+}
+
+std::string UserName() {
+  const passwd* user = getpwuid(getuid());
+  return user != nullptr ? user->pw_name : "root";
+}
+
+}  // namespace
+
+UploadServer::UploadServer() : port_(FreePort()) {}
+
+UploadServer::~UploadServer() {
+  Kill();
+}
+
+void UploadServer::Start() {
+  if (access(command_.front().c_str(), X_OK) != 0)
+    throw std::runtime_error(command_.front() + " is not installed");
+  pid_ = Spawn(command_);
+  for (int i = 0; i < 500 && !Answers(port_); ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  if (!Answers(port_)) throw std::runtime_error(command_.front() + " does not answer");
+}
+
+void UploadServer::Kill() {
+  if (pid_ < 0) return;
+  KillTree(pid_);
+  waitpid(std::exchange(pid_, -1), nullptr, 0);
+}
+
+SshServer::SshServer(const std::string& folder) : host_key(NewKey("host_key")) {
+  const std::string user_key = NewKey("user_key");
+  if (getuid() == 0) fs::create_directories("/run/sshd");
+  WriteFile(files_ / "config", "Port " + port_ + "\nListenAddress 127.0.0.1\nHostKey " + host_key +
+                                   "\nPidFile none\nAuthorizedKeysFile " + user_key +
+                                   ".pub\nStrictModes no\nUsePAM no\nPasswordAuthentication no\n"
+                                   "PermitRootLogin yes\nSubsystem sftp internal-sftp\n");
+  command_ = {"/usr/sbin/sshd", "-D", "-f", files_ / "config", "-E", files_ / "log"};
+  url = "sftp://" + UserName() + "@127.0.0.1:" + port_ + folder;
+  options = {"--key", user_key};
+  setenv("VDSTO_UPLOAD_KNOWN_HOSTS", (files_ / "known_hosts").c_str(), 1);
+  Believe(host_key);
+}
+
+std::string SshServer::NewKey(const std::string& name) {
+  const std::string path = files_ / name;
+  const int pid = Spawn({"/usr/bin/ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", path});
+  int status = 0;
+  waitpid(pid, &status, 0);
+  if (status != 0) throw std::runtime_error("ssh-keygen fails");
+  return path;
+}
+
+void SshServer::Believe(const std::string& key) const {
+  WriteFile(files_ / "known_hosts", "[127.0.0.1]:" + port_ + " " + ReadFile(key + ".pub"));
+}
+
+DavServer::DavServer(const std::string& folder) {
+  const std::string own = fs::path(files_ / "users").parent_path().string();
+  WriteFile(own + "/users", "me:secret\n");
+  WriteFile(own + "/config", "server.document-root = \"" + folder + "\"\nserver.port = " + port_ +
+                                 "\nvar.own = \"" + own + "\"" + R"(
+server.modules = ("mod_auth", "mod_authn_file", "mod_webdav")
+server.bind = "127.0.0.1"
+server.errorlog = var.own + "/log"
+server.upload-dirs = (var.own)
+webdav.activate = "enable"
+auth.backend = "plain"
+auth.backend.plain.userfile = var.own + "/users"
+auth.require = ("/" => ("method" => "basic", "realm" => "test", "require" => "valid-user"))
+)");
+  command_ = {"/usr/sbin/lighttpd", "-D", "-f", files_ / "config"};
+  url = "http://me@127.0.0.1:" + port_;
+  setenv("VDSTO_UPLOAD_PASSWORD", "secret", 1);
+}
+
+}  // namespace vdsto_test
