@@ -134,6 +134,12 @@ TEST_F(AnnotationTest, PhotosAreTurnedAndFlagged) {
       {{"flag", "set", "0", "pictures", "-r"}, "3 photos flagged 0\n"},
       {{"flag", "clear", "0", "**/?.jpg"}, "2 photos without flag 0\n"},
       {{"flag", "show", "x.jpg", "b.png"}, "7  pictures/x.jpg\n0  pictures/가족/b.png\n"},
+      {{"tag", "add", "t1", "x.jpg", "b.png"}, "2 photos tagged t1, a new tag\n"},
+      {{"tag", "add", "t2", "b.png"}, "1 photo tagged t2, a new tag\n"},
+      {{"tagged", "-0", "--all", "t1", "t2"}, std::string("pictures/가족/b.png\0", 22)},
+      {{"tagged", "-0", "T1", "--flag", "7"}, std::string("pictures/x.jpg\0", 15)},
+      {{"tagged", "t1", "--flag", "8"}, "--flag is a number from 0 to 7", 2},
+      {{"tagged", "nope"}, "no tag nope", 6},
       {{"flag", "set", "8", "x.jpg"}, "FLAG is a number from 0 to 7", 2},
   });
   const auto photos = Photos();
