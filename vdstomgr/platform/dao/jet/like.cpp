@@ -72,10 +72,10 @@ bool LikePattern::IsPartOfText() const {
 }
 
 bool LikePattern::Implies(const LikePattern& other) const {
-  return IsPartOfText() && other.IsPartOfText() &&
-         !std::ranges::search(elements_,
-                              std::span(other.elements_).subspan(1, other.elements_.size() - 2))
-              .empty();
+  if (!IsPartOfText() || !other.IsPartOfText()) return false;
+  const auto part = std::span(other.elements_).subspan(1, other.elements_.size() - 2);
+  return std::search(elements_.begin(), elements_.end(), part.begin(), part.end()) !=
+         elements_.end();
 }
 
 void LikePattern::FindPart() {
