@@ -1,9 +1,9 @@
 #include "tools/vdsto/selection/photo_filter.h"
 
+#include <algorithm>
 #include <array>
-#include <charconv>
 #include <limits>
-#include <regex>
+#include <string_view>
 
 #include "tools/vdsto/text/text.h"
 #include "tools/vdsto/tool_error.h"
@@ -18,17 +18,23 @@ struct Period {
   int parts;
 };
 
+bool IsPeriod(std::string_view text) {
+  constexpr std::string_view kForm = "0000-00-00";
+  return (text.size() == 4 || text.size() == 7 || text.size() == kForm.size()) &&
+         std::equal(text.begin(), text.end(), kForm.begin(), [](char given, char form) {
+           return form == '-' ? given == '-' : given >= '0' && given <= '9';
+         });
+}
+
 Period ReadPeriod(const std::string& text) {
-  static const std::regex form(R"((\d{4})(?:-(\d{2})(?:-(\d{2}))?)?)");
-  std::smatch match;
-  if (!std::regex_match(text, match, form))
+  if (!IsPeriod(text))
     throw ToolError(ExitCode::kUsage,
                     "'" + Printable(text) + "' is no day: give 2004-06-29, 2004-06 or 2004");
-  Period period{1970, 1, 1, 0};
-  int* const fields[] = {&period.year, &period.month, &period.day};
-  for (; period.parts < 3 && match[size_t(period.parts) + 1].matched; ++period.parts)
-    *fields[period.parts] = std::stoi(match[size_t(period.parts) + 1].str());
-  return period;
+  const auto part = [&](size_t first, size_t digits) {
+    return first < text.size() ? std::stoi(text.substr(first, digits)) : 1;
+  };
+  const int parts = 1 + (text.size() > 4) + (text.size() > 7);
+  return {part(0, 4), part(5, 2), part(8, 2), parts};
 }
 
 int32_t TimeOf(const Period& period, const std::string& text) {
