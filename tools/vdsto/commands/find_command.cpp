@@ -11,8 +11,8 @@ namespace vdsto {
 namespace {
 
 constexpr int kMost = 1'000'000'000;
-constexpr int kAskedAtFirst =
-    4;  // times the limit: what is in the trash or filtered out is replaced
+/// Photos in the trash or filtered out leave room: so many times more are asked for then.
+constexpr int kMoreEachTime = 4;
 
 /// What all searches take.
 struct SearchOptions {
@@ -48,7 +48,7 @@ class Search {
 
   void AddPhotos(const PhotoSource& source) {
     for (int asked = options_.limit;;
-         asked = asked < kMost / kAskedAtFirst ? asked * kAskedAtFirst : kMost) {
+         asked = asked < kMost / kMoreEachTime ? asked * kMoreEachTime : kMost) {
       vdstomgr::PhotoArray found;
       library_.CallSearch([&](auto& copy) { source(copy.Database(), found, asked); });
       TakePassing(found);
