@@ -26,6 +26,7 @@ PhotoFacts Example(const std::string& guid) {
           std::string(80, 'm'),
           "렌즈",
           vdsto::DateSource::kDigitized,
+          3,
           1'700'000'000};
 }
 
@@ -56,14 +57,15 @@ TEST_F(FactsTest, KeepEveryColumnUnderAPassword) {
   EXPECT_EQ(facts.Of(other.guid), other);
   facts.Put(std::vector{Example(kGuid)});
   facts.Remove({other.guid});
-  facts.SetRoots({{"/a", "1"}});
-  facts.SetRoots({{"/A\xFE", "2"}, {"/a", "3"}});
-  EXPECT_EQ(facts.Roots(), (std::vector<vdsto::ImportRoot>{{"/A\xFE", "2"}, {"/a", "3"}}));
+  facts.SetPlaces({{4, "/a", "1"}});
+  facts.SetPlaces({{5, "/A\xFE", "2"}, {6, "/a", "3"}});
+  EXPECT_EQ(facts.Places(),
+            (std::vector<vdsto::ImportPlace>{{5, "/A\xFE", "2"}, {6, "/a", "3"}}));
   EXPECT_EQ(RowAsText(Path(), "열려라 참깨 열려라 참깨"),
             kGuid + "|file:///disk/%FF%20" + std::string(300, 'n') +
                 "/%ED%9D%B0.jpg|5000000123|-19088744|-2023406815|"
                 "900150983cd24fb0d6963f7d28e17f72|1|it's cut|37.5665|-122.25||NIKON|" +
-                std::string(80, 'm') + "|렌즈|2|1700000000|");
+                std::string(80, 'm') + "|렌즈|2|3|1700000000|");
 }
 
 /// Reading never makes a file and never fails; an import makes it again, and keeps the old one.

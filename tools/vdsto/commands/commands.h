@@ -11,6 +11,7 @@ void AddTagged(CommandGroup& tool);
 void AddTree(CommandGroup& tool);
 void AddList(CommandGroup& tool);
 void AddInfo(CommandGroup& tool);
+void AddMissing(CommandGroup& tool);
 void AddFind(CommandGroup& tool);
 void AddThumb(CommandGroup& tool);
 void AddGallery(CommandGroup& tool);

@@ -12,10 +12,12 @@ namespace {
 
 constexpr const char* kNotes =
     R"(Running it again brings the catalogue up to date: unchanged files are passed over, changed ones
-updated, missing thumbnails made. A photo that was moved stays where it is, and one in the trash is left
-alone; only a file whose path is too long to be stored is looked for in its own folder alone. Names that begin with a dot are passed over; links to folders are
-followed unless they lead into or above the imported tree. Folders without pictures are not mirrored. When
-some of the folders cannot be read, the others are imported and the exit code is 9.)";
+updated, missing thumbnails made. A file or folder that was renamed or moved is known by its contents and
+keeps all that its photos have. A photo whose file is gone stays and is marked; one that the user moved in
+the catalogue stays where it is, and one in the trash is left alone. A disk that is not mounted takes no
+photo away. Names that begin with a dot are passed over; links to folders are followed
+unless they lead into or above the imported tree. Folders without pictures are not mirrored. When some of the
+folders cannot be read, the others are imported and the exit code is 9.)";
 
 void AddRemarks(const std::string& key, const std::vector<Remark>& remarks,
                 const std::string& title, Facts& facts) {
@@ -33,19 +35,29 @@ std::string Sentence(const ImportSummary& summary) {
   std::snprintf(seconds, sizeof seconds, "%.1f s", summary.seconds);
   return (summary.interrupted ? "Interrupted: " : "") + Counted(summary.Pictures(), "picture") +
          " in " + seconds + ": " + std::to_string(summary.added) + " added, " +
-         std::to_string(summary.updated) + " updated, " + std::to_string(summary.unchanged) +
-         " unchanged" +
+         std::to_string(summary.updated) + " updated, " +
+         (summary.moved > 0 ? std::to_string(summary.moved) + " moved, " : "") +
+         std::to_string(summary.unchanged) + " unchanged" +
          (summary.in_trash > 0 ? ", " + std::to_string(summary.in_trash) + " in the trash" : "") +
          "; " + Counted(summary.folders_created, "new folder") + "; " +
          Counted(summary.not_pictures, "other file") + " and " + std::to_string(summary.hidden) +
          " hidden skipped";
 }
 
+std::string GoneSentence(const ImportSummary& summary) {
+  if (summary.gone == 0) return {};
+  return "\n" + Counted(summary.gone, "photo") + (summary.gone == 1 ? " is" : " are") +
+         " no longer on disk (vdsto missing lists them)";
+}
+
 Facts Describe(const ImportSummary& summary) {
   Facts facts;
   facts.ForPrograms("added", summary.added)
       .ForPrograms("updated", summary.updated)
+      .ForPrograms("moved", summary.moved)
       .ForPrograms("unchanged", summary.unchanged)
+      .ForPrograms("gone", summary.gone)
+      .ForPrograms("newly_gone", summary.newly_gone)
       .ForPrograms("in_trash", summary.in_trash)
       .ForPrograms("folders_created", summary.folders_created)
       .ForPrograms("not_pictures", summary.not_pictures)
@@ -54,11 +66,13 @@ Facts Describe(const ImportSummary& summary) {
   AddRemarks("damaged", summary.damaged, "Damaged pictures, shown in part", facts);
   AddRemarks("unreadable", summary.unreadable, "Could not be read", facts);
   AddRemarks("not_stored", summary.not_stored, "Could not be stored", facts);
+  AddRemarks("not_there", summary.not_there,
+             "Disks that are not there, whose photos are left alone", facts);
   AddRemarks("long_paths", summary.long_paths,
              "Stored without their location, whose path is too long", facts);
   return facts.ForPrograms("seconds", summary.seconds)
       .ForPrograms("interrupted", summary.interrupted)
-      .ForPeople(Sentence(summary));
+      .ForPeople(Sentence(summary) + GoneSentence(summary));
 }
 
 struct Import {

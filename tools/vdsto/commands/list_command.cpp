@@ -8,6 +8,13 @@
 namespace vdsto {
 namespace {
 
+std::unordered_map<std::string, PhotoFacts> FactsOf(Library& library,
+                                                    const vdstomgr::PhotoArray& photos) {
+  std::vector<std::string> guids;
+  for (const PHOTOINFO& photo : photos) guids.emplace_back(photo.szGUID);
+  return library.FactsOfPhotos().Of(guids);
+}
+
 Answer ListFolder(Library& library, const std::string& text) {
   CataloguePath paths(library);
   const uint32_t id = paths.Folder(text);
@@ -20,9 +27,15 @@ Answer ListFolder(Library& library, const std::string& text) {
         {{"id", static_cast<int32_t>(folder.dwFolderID)}, {"name", folder.szFolderName}});
     rows.Add({"", "", "", std::string(folder.szFolderName) + "/"});
   }
-  for (const PHOTOINFO& photo : library.PhotosIn(id)) {
+  const auto all = library.PhotosIn(id);
+  const auto facts = FactsOf(library, all);
+  for (const PHOTOINFO& photo : all) {
+    const auto known = facts.find(photo.szGUID);
+    const int32_t gone_since = known == facts.end() ? 0 : known->second.gone_since;
     photos.push_back(PhotoAsJson(photo, path));
-    AddPhoto(photo, photo.GetFileName(), rows);
+    photos.back()["gone_since"] = TimeFact(gone_since).json;
+    const std::string name = photo.GetFileName();
+    AddPhoto(photo, gone_since == 0 ? name : name + "  (no longer on disk)", rows);
   }
   return {{{"path", path},
            {"id", static_cast<int32_t>(id)},

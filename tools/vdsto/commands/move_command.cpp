@@ -21,8 +21,7 @@ constexpr const char* kNotes =
     R"(A SOURCE is a photo or a folder: a catalogue path, a pattern of such paths ('사진/2024*'), a GUID, a
 file or folder of this computer that was imported, or - for a list of names on standard input. When TARGET
 is a folder, all go into it; else the one SOURCE gets the name and the place that TARGET says. Files of
-this computer are not touched, and vdsto import knows moved photos again by their files; only a photo whose
-path is too long to be stored is imported a second time.)";
+this computer are not touched, and vdsto import knows moved photos again by their files.)";
 
 /// What is to be moved: photos, and folders with all that is in them.
 struct Sources {

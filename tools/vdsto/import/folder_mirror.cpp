@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
+#include "tools/vdsto/library/folder_changes.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
 #include "tools/vdsto/tool_error.h"
@@ -27,6 +30,11 @@ bool IsNumbered(std::string_view name, std::string_view wanted) {
     return false;
   const std::string_view tail = name.substr(wanted.size());
   return tail.starts_with(" (") && std::all_of(tail.begin() + 2, tail.end() - 1, ::isdigit);
+}
+
+bool IsFolder(const std::string& path) {
+  std::error_code ignored;
+  return std::filesystem::is_directory(path, ignored);
 }
 
 std::string Ancestor(std::string path, int levels) {
@@ -102,6 +110,13 @@ std::optional<FolderId> FolderMirror::Find(const std::string& source) {
 
 FolderId FolderMirror::Ensure(const std::string& source, const std::string& import_root) {
   const std::lock_guard lock(mutex_);
+  return EnsureLocked(source, import_root);
+}
+
+FolderId FolderMirror::Follow(const std::string& old_source, const std::string& source,
+                              const std::string& import_root) {
+  const std::lock_guard lock(mutex_);
+  Adopt(old_source, source, import_root);
   return EnsureLocked(source, import_root);
 }
 
@@ -232,6 +247,55 @@ FolderId FolderMirror::Create(FolderId parent, const std::string& source) {
     return folder.dwFolderID;
   }
   throw ToolError(ExitCode::kCatalogue, "no free folder name or number for " + Printable(source));
+}
+
+/// The folders above come first, because one that was renamed takes all below it along.
+void FolderMirror::Adopt(const std::string& old_source, const std::string& source,
+                         const std::string& import_root) {
+  if (old_source == source || FindLocked(source) || IsFolder(old_source)) return;
+  const auto folder = FindLocked(old_source);
+  if (!folder || vdstomgr::IsReservedFolder(*folder)) return;
+  const bool was_root = IsRoot(old_source);
+  if (source != import_root && !was_root)
+    Adopt(ParentOf(old_source), ParentOf(source), import_root);
+  const FolderId parent = was_root || source == import_root
+                              ? folders_.at(*folder).parent
+                              : EnsureLocked(ParentOf(source), import_root);
+  Relocate(*folder, parent, old_source, source);
+  if (was_root) roots_.emplace_back(source, *folder);
+  Bind(source, *folder);
+}
+
+void FolderMirror::Relocate(FolderId id, FolderId parent, const std::string& old_source,
+                            const std::string& source) {
+  Folder& folder = folders_.at(id);
+  const std::string old_name = CatalogueName(old_source);
+  const bool is_own_name = folder.name == old_name || IsNumbered(folder.name, old_name);
+  const std::string name = is_own_name ? CatalogueName(source) : folder.name;
+  const auto old_parent = FindLocked(ParentOf(old_source));
+  const bool is_own_place = IsRoot(old_source) || !old_parent || *old_parent == folder.parent;
+  if (!is_own_place || IsInOrBelow(parent, id)) parent = folder.parent;
+  if (parent == folder.parent && name == folder.name) return;
+  folder.name = RelocateFolder(library_, id, parent, name);
+  if (parent == folder.parent) return;
+  const auto [first, last] = children_.equal_range(folder.parent);
+  children_.erase(std::find_if(first, last, [&](const auto& child) { return child.second == id; }));
+  children_.emplace(parent, id);
+  folder.parent = parent;
+}
+
+bool FolderMirror::IsInOrBelow(FolderId folder, FolderId above) const {
+  for (auto found = folders_.find(folder); found != folders_.end();
+       found = folders_.find(found->second.parent)) {
+    if (found->first == above) return true;
+    if (found->second.parent == found->first) break;
+  }
+  return false;
+}
+
+bool FolderMirror::IsRoot(const std::string& source) const {
+  return std::any_of(roots_.begin(), roots_.end(),
+                     [&](const auto& root) { return root.first == source; });
 }
 
 std::shared_ptr<const FolderRows> FolderMirror::RowsLocked(FolderId folder) {

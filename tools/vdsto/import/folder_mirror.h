@@ -30,6 +30,11 @@ class FolderMirror {
   /// `import_root` itself becomes a top-level folder unless something mirrors it or a folder above
   /// it. Throws ToolError.
   FolderId Ensure(const std::string& source, const std::string& import_root);
+  /// The same for photos that were moved here from the real folder at `old_source`. When that is
+  /// gone, its mirror becomes this folder's: under its new name and in its new place, unless the
+  /// user has given it others.
+  FolderId Follow(const std::string& old_source, const std::string& source,
+                  const std::string& import_root);
   /// The photos of a folder, read once; after that, as they were then.
   std::shared_ptr<const FolderRows> Rows(FolderId folder);
   /// Forgets the photos of a folder that is done with.
@@ -55,6 +60,12 @@ class FolderMirror {
   bool IsTaken(FolderId folder) const;
   FolderId EnsureLocked(const std::string& source, const std::string& import_root);
   FolderId Create(FolderId parent, const std::string& source);
+  void Adopt(const std::string& old_source, const std::string& source,
+             const std::string& import_root);
+  void Relocate(FolderId folder, FolderId parent, const std::string& old_source,
+                const std::string& source);
+  bool IsInOrBelow(FolderId folder, FolderId above) const;
+  bool IsRoot(const std::string& source) const;
   bool IsBelowSomeRoot(const std::string& source) const;
   Evidence Judge(FolderId folder, const std::string& source, int depth);
   std::string MainSource(FolderId folder, int folders_asked);

@@ -9,18 +9,23 @@
 #include <filesystem>
 #include <system_error>
 #include <thread>
-#include <unordered_set>
+#include <utility>
 #include <variant>
 
 #include "tools/vdsto/import/bounded_queue.h"
+#include "tools/vdsto/import/file_owners.h"
 #include "tools/vdsto/import/folder_mirror.h"
+#include "tools/vdsto/import/gone_photos.h"
+#include "tools/vdsto/import/import_places.h"
 #include "tools/vdsto/import/interruption.h"
-#include "tools/vdsto/import/moved_photos.h"
+#include "tools/vdsto/import/known_photos.h"
 #include "tools/vdsto/import/photo_writer.h"
 #include "tools/vdsto/import/progress.h"
 #include "tools/vdsto/import/source_walk.h"
 #include "tools/vdsto/library/image_store.h"
+#include "tools/vdsto/library/trash_bin.h"
 #include "tools/vdsto/picture/picture_probe.h"
+#include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
 #include "tools/vdsto/tool_error.h"
 
@@ -57,18 +62,19 @@ ProbeResult Probe(ImportJob job) {
 
 class Import {
  public:
-  Import(Library& library, bool quiet)
-      : images_(library.Folder()),
+  Import(Library& library, const ImportRoots& roots, bool quiet)
+      : library_(library),
+        images_(library.Folder()),
         mirror_(library),
-        moved_(library),
-        writer_(library, images_, mirror_, summary_),
+        places_(library.FactsOfPhotos().Places(), roots.folders),
+        known_(library, places_),
+        owners_(library, known_, places_),
+        writer_(library, images_, mirror_, places_, summary_),
         progress_(quiet),
-        walk_([this](auto& root, auto& folder, auto& files) {
-          return QueueChanged(root, folder, files);
-        }) {
+        walk_([this](auto& root, auto& folder,
+                     auto& files) { return QueueChanged(root, folder, files); },
+              [this](auto& folder) { places_.Enter(folder); }) {
     images_.Open();
-    library.FactsOfPhotos().Prepare();
-    library.FactsOfPhotos().ForEach([&](const auto& facts) { with_facts_.insert(facts.guid); });
   }
 
   ImportSummary Run(const ImportRoots& roots) {
@@ -107,14 +113,8 @@ class Import {
     const auto id = mirror_.Find(folder);
     const auto rows = id ? mirror_.Rows(*id) : nullptr;
     for (const SourceEntry& file : files) {
-      const KnownFile* known = rows ? rows->Find(file.path) : nullptr;
-      const auto moved = known ? std::nullopt : moved_.Find(file.path);
-      if (moved) known = &moved->file;
-      const bool is_in_trash = moved && moved->is_in_trash;
-      if (is_in_trash || (known && IsUpToDate(*known, file))) {
-        ++(is_in_trash ? in_trash_ : unchanged_);
-        continue;
-      }
+      const auto known = FindKnown(file.path, rows.get());
+      if (known && IsLeftAlone(*known, file)) continue;
       ++found_;
       if (IsInterrupted() || !jobs_.Push({file.path, root, known ? known->guid : std::string()}))
         return false;
@@ -123,10 +123,33 @@ class Import {
     return !IsInterrupted();
   }
 
+  /// In the folder that mirrors the file's, or wherever the user has moved it. Without facts, a
+  /// file whose path is too long for its row is known by its name.
+  std::optional<KnownFile> FindKnown(const std::string& path, const FolderRows* rows) {
+    if (const KnownFile* here = rows ? rows->Find(path) : nullptr) return *here;
+    if (const auto index = known_.FindPath(path)) {
+      if (const auto photo = library_.Photo(known_.GuidOf(*index))) return KnownFileOf(*photo);
+    }
+    const bool is_long = rows && LocationOf(path).empty();
+    const KnownFile* named = is_long ? rows->FindNamed(path) : nullptr;
+    const auto index = named ? known_.Find(named->guid) : std::nullopt;
+    return index && !known_[*index].has_facts ? std::optional(*named) : std::nullopt;
+  }
+
+  bool IsLeftAlone(const KnownFile& known, const SourceEntry& file) {
+    const auto index = known_.Find(known.guid);
+    if (!index) return false;
+    known_.MarkSeen(*index);
+    const bool is_in_trash = IsTrashFolder(known_[*index].folder);
+    const bool is_left_alone = is_in_trash || (known_[*index].has_facts &&
+                                               !known_[*index].is_gone && IsUpToDate(known, file));
+    if (is_left_alone) ++(is_in_trash ? in_trash_ : unchanged_);
+    return is_left_alone;
+  }
+
   bool IsUpToDate(const KnownFile& known, const SourceEntry& file) {
     return known.stamp == file.stamp && !known.shows_original &&
-           (known.image_key.empty() || images_.Has(known.image_key)) &&
-           with_facts_.contains(known.guid);
+           (known.image_key.empty() || images_.Has(known.image_key));
   }
 
   std::vector<std::jthread> StartProbers() {
@@ -154,6 +177,7 @@ class Import {
       if (std::chrono::steady_clock::now() >= writer_.FlushTime()) writer_.Flush();
       if (!result && !timed_out) break;
     } while (true);
+    if (!IsInterrupted() && !walk_error_) FinishWalk();
     writer_.Flush();
     images_.Sync();
     progress_.Clear();
@@ -163,13 +187,45 @@ class Import {
     ++done_;
     progress_.Show(done_, found_, result.job.path);
     if (const auto* facts = std::get_if<PictureFacts>(&result.outcome)) {
-      writer_.Write(result.job, *facts);
+      Write(result.job, *facts);
     } else {
       summary_.unreadable.push_back({result.job.path, std::get<std::string>(result.outcome)});
     }
   }
 
+  void Write(const ImportJob& job, const PictureFacts& facts) {
+    if (!facts.IsPicture()) return writer_.Write(job, facts);
+    const auto [fate, photo] = owners_.Decide(job, facts);
+    switch (fate) {
+      case FileOwners::Fate::kAsKnown:
+        return writer_.Write(job, facts);
+      case FileOwners::Fate::kMoved:
+        return writer_.Move(job, facts, photo);
+      case FileOwners::Fate::kSame:
+        return void(++unchanged_);
+      case FileOwners::Fate::kWaits:
+        return;
+    }
+  }
+
+  /// The walker is done with what it shares.
+  void FinishWalk() {
+    for (const auto& [file, photo] : owners_.Resolve()) {
+      if (photo) {
+        writer_.Move(file.job, file.picture, *photo);
+        continue;
+      }
+      const ProbeResult again = Probe(file.job);
+      if (const auto* facts = std::get_if<PictureFacts>(&again.outcome))
+        writer_.Write(file.job, *facts);
+    }
+    writer_.Flush();
+    NoteGonePhotos(library_, known_, places_, summary_);
+    if (!known_.Orphans().empty()) library_.FactsOfPhotos().Remove(known_.Orphans());
+  }
+
   void Finish(const ImportRoots& roots) {
+    library_.FactsOfPhotos().SetPlaces(places_.Places());
     summary_.unchanged = unchanged_;
     summary_.in_trash = in_trash_;
     summary_.hidden = walk_.Hidden();
@@ -188,10 +244,12 @@ class Import {
         }));
   }
 
+  Library& library_;
   ImageStore images_;
   FolderMirror mirror_;
-  std::unordered_set<std::string> with_facts_;
-  MovedPhotos moved_;  // the walker's, until it ends
+  ImportPlaces places_;
+  KnownPhotos known_;
+  FileOwners owners_;
   ImportSummary summary_;
   PhotoWriter writer_;
   Progress progress_;
@@ -224,7 +282,8 @@ ImportRoots CheckImportRoots(const std::vector<std::string>& folders) {
 
 ImportSummary ImportFolders(Library& library, const ImportRoots& roots, bool quiet) {
   const InterruptionGuard guard;
-  return Import(library, quiet).Run(roots);
+  library.FactsOfPhotos().Prepare();
+  return Import(library, roots, quiet).Run(roots);
 }
 
 }  // namespace vdsto

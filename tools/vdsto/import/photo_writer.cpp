@@ -3,6 +3,7 @@
 #include "tools/vdsto/import/photo_record.h"
 #include "tools/vdsto/import/probed_facts.h"
 #include "tools/vdsto/text/source_location.h"
+#include "tools/vdsto/text/text.h"
 #include "tools/vdsto/tool_error.h"
 
 namespace vdsto {
@@ -14,8 +15,13 @@ constexpr std::chrono::milliseconds kBatchAge{500};
 }  // namespace
 
 PhotoWriter::PhotoWriter(Library& library, ImageStore& images, FolderMirror& mirror,
-                         ImportSummary& summary)
-    : library_(library), images_(images), mirror_(mirror), summary_(summary), cameras_(library) {}
+                         const ImportPlaces& places, ImportSummary& summary)
+    : library_(library),
+      images_(images),
+      mirror_(mirror),
+      places_(places),
+      summary_(summary),
+      cameras_(library) {}
 
 void PhotoWriter::Write(const ImportJob& job, const PictureFacts& facts) {
   if (!facts.IsPicture()) {
@@ -41,12 +47,14 @@ void PhotoWriter::Add(const ImportJob& job, const PictureFacts& facts) {
   StoreImage(photo, facts);
   batch_.Add(photo);
   batch_paths_.push_back(job.path);
-  Collect(FactsOfPicture(photo.szGUID, job.path, facts));
+  Collect(photo.szGUID, job, facts);
 }
 
-void PhotoWriter::Collect(PhotoFacts facts) {
+void PhotoWriter::Collect(const std::string& guid, const ImportJob& job,
+                          const PictureFacts& facts) {
   if (facts_.empty()) flush_time_ = Clock::now() + kBatchAge;
-  facts_.push_back(std::move(facts));
+  facts_.push_back(FactsOfPicture(guid, job.path, facts));
+  facts_.back().place_id = places_.PlaceOf(job.path);
   if (facts_.size() >= kBatchRows) Flush();
 }
 
@@ -59,8 +67,31 @@ void PhotoWriter::Update(const ImportJob& job, const PictureFacts& facts) {
   StoreImage(photo, facts);
   if (!Store(photo, job.path, false)) return;
   ++summary_.updated;
-  Collect(FactsOfPicture(photo.szGUID, job.path, facts));
+  Collect(photo.szGUID, job, facts);
   if (!old_key.empty() && old_key != ImageKeyOf(photo.GetLTBURL())) images_.Remove(old_key);
+}
+
+/// The contents are those that it had, and so is its image.
+void PhotoWriter::Move(const ImportJob& job, const PictureFacts& facts, const PhotoFacts& old) {
+  auto photo = library_.Photo(old.guid);
+  if (!photo) return Add(job, facts);
+  Remember(job, facts);
+  RefreshPhotoRecord(facts, *photo);
+  SetWhereabouts(job, old.path, *photo);
+  if (!images_.Has(ImageKeyOf(photo->GetLTBURL()))) StoreImage(*photo, facts);
+  if (!Store(*photo, job.path, false)) return;
+  ++summary_.moved;
+  Collect(old.guid, job, facts);
+}
+
+/// What the user has changed of name and folder stays.
+void PhotoWriter::SetWhereabouts(const ImportJob& job, const std::string& old_path,
+                                 PHOTOINFO& photo) {
+  photo.SetOPURL(LocationOf(job.path).c_str());
+  if (photo.GetFileName() == Composed(LastComponent(old_path)))
+    photo.SetFileName(Composed(LastComponent(job.path)).c_str());
+  if (mirror_.Find(ParentOf(old_path)) == photo.dwFolderID)
+    photo.SetFolderID(mirror_.Follow(ParentOf(old_path), ParentOf(job.path), job.import_root));
 }
 
 /// When the store fails, the rows that wait for their batch have their images already.

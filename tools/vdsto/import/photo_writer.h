@@ -5,6 +5,7 @@
 
 #include "tools/vdsto/import/cameras_met.h"
 #include "tools/vdsto/import/folder_mirror.h"
+#include "tools/vdsto/import/import_places.h"
 #include "tools/vdsto/import/import_summary.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/library/library.h"
@@ -27,10 +28,13 @@ class PhotoWriter {
  public:
   using Clock = std::chrono::steady_clock;
 
-  PhotoWriter(Library& library, ImageStore& images, FolderMirror& mirror, ImportSummary& summary);
+  PhotoWriter(Library& library, ImageStore& images, FolderMirror& mirror,
+              const ImportPlaces& places, ImportSummary& summary);
 
   /// Throws ToolError when the catalogue or the store can no longer be written.
   void Write(const ImportJob& job, const PictureFacts& facts);
+  /// A file that has come from elsewhere to its photo, whose facts are `photo`.
+  void Move(const ImportJob& job, const PictureFacts& facts, const PhotoFacts& photo);
   /// Writes what is collected.
   void Flush();
   /// When what is collected should be written; far away while nothing is.
@@ -41,7 +45,8 @@ class PhotoWriter {
   void Update(const ImportJob& job, const PictureFacts& facts);
   void StoreImage(const PHOTOINFO& photo, const PictureFacts& facts);
   void Remember(const ImportJob& job, const PictureFacts& facts);
-  void Collect(PhotoFacts facts);
+  void Collect(const std::string& guid, const ImportJob& job, const PictureFacts& facts);
+  void SetWhereabouts(const ImportJob& job, const std::string& old_path, PHOTOINFO& photo);
   void FlushRows();
   void FlushFacts();
   bool StoreBatch();
@@ -51,6 +56,7 @@ class PhotoWriter {
   Library& library_;
   ImageStore& images_;
   FolderMirror& mirror_;
+  const ImportPlaces& places_;
   ImportSummary& summary_;
   CamerasMet cameras_;
   vdstomgr::PhotoArray batch_;

@@ -22,21 +22,23 @@ std::string ErrnoText() {
 
 bool SourceWalk::Walk(const std::string& root) {
   root_ = root;
-  return Enter(root);
+  return Enter(root, std::nullopt);
 }
 
-bool SourceWalk::Enter(const std::string& folder) {
+bool SourceWalk::Enter(const std::string& folder, std::optional<uint64_t> disk_above) {
   struct stat status {};
   if (stat(folder.c_str(), &status) != 0) {
     unreadable_.push_back({folder, ErrnoText()});
     return true;
   }
   if (!entered_.emplace(status.st_dev, status.st_ino).second) return true;
+  if (disk_above != status.st_dev) enter_disk_(folder);
   Listing listing = List(folder);
   if (!visit_(root_, folder, listing.files)) return false;
   listing.files.clear();
-  return std::all_of(listing.folders.begin(), listing.folders.end(),
-                     [&](const std::string& sub_folder) { return Enter(sub_folder); });
+  return std::all_of(
+      listing.folders.begin(), listing.folders.end(),
+      [&](const std::string& sub_folder) { return Enter(sub_folder, status.st_dev); });
 }
 
 SourceWalk::Listing SourceWalk::List(const std::string& folder) {

@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -25,7 +26,11 @@ class SourceWalk {
   using Visit = std::function<bool(const std::string& root, const std::string& folder,
                                    const std::vector<SourceEntry>& files)>;
 
-  explicit SourceWalk(Visit visit) : visit_(std::move(visit)) {}
+  /// Called for a root, and for every folder that lies on another disk than the one above it.
+  using EnterDisk = std::function<void(const std::string& folder)>;
+
+  SourceWalk(Visit visit, EnterDisk enter_disk)
+      : visit_(std::move(visit)), enter_disk_(std::move(enter_disk)) {}
 
   /// Walks below `root`, an absolute path without links, but not again what an earlier call
   /// walked. False when `visit` ended the walk.
@@ -40,12 +45,13 @@ class SourceWalk {
     std::vector<std::string> folders;
   };
 
-  bool Enter(const std::string& folder);
+  bool Enter(const std::string& folder, std::optional<uint64_t> disk_above);
   Listing List(const std::string& folder);
   void Sort(const std::string& path, Listing& listing);
   bool LeadsBack(const std::string& link) const;
 
   Visit visit_;
+  EnterDisk enter_disk_;
   std::string root_;
   std::set<std::pair<uint64_t, uint64_t>> entered_;  // device and inode
   uint64_t hidden_ = 0;

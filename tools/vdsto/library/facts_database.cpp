@@ -12,7 +12,7 @@
 namespace vdsto {
 namespace {
 
-constexpr int kVersion = 1;
+constexpr int kVersion = 2;
 constexpr int kWrongPassword = 3031;
 constexpr int kDamaged = 3049;
 constexpr int kNoDatabase = 3343;
@@ -21,16 +21,19 @@ constexpr size_t kGuidsPerQuery = 500;
 /// Numbers are signed and have 32 bits, so a time is kept in halves; a DOUBLE holds every size.
 constexpr std::array kTables{
     "CREATE TABLE FactsInfo (nVersion INTEGER)",
-    "CREATE TABLE ImportRoots (szPath MEMO, szDevice MEMO)",
+    "CREATE TABLE ImportPlaces (nPlace INTEGER, szPath MEMO, szDevice MEMO)",
     "CREATE TABLE PhotoFacts (szGUID CHAR(36) NOT NULL, szPath MEMO, dbSize DOUBLE, "
     "nLastWriteHigh INTEGER, nLastWriteLow INTEGER, szMD5 CHAR(32), byteState BYTE, "
     "szProblem MEMO, dbLatitude DOUBLE, dbLongitude DOUBLE, dbAltitude DOUBLE, szMaker MEMO, "
-    "szModel MEMO, szLens MEMO, byteDateSource BYTE, nGoneSince INTEGER, "
+    "szModel MEMO, szLens MEMO, byteDateSource BYTE, nPlace INTEGER, nGoneSince INTEGER, "
     "CONSTRAINT PK_PhotoFacts PRIMARY KEY (szGUID))"};
 
 constexpr const char* kSelect =
     "SELECT szGUID, szPath, dbSize, nLastWriteHigh, nLastWriteLow, szMD5, byteState, szProblem, "
-    "dbLatitude, dbLongitude, dbAltitude, szMaker, szModel, szLens, byteDateSource, nGoneSince "
+    "dbLatitude, dbLongitude, dbAltitude, szMaker, szModel, szLens, byteDateSource, nPlace, "
+    "nGoneSince FROM PhotoFacts";
+constexpr const char* kSelectFiles =
+    "SELECT szGUID, szPath, dbSize, nLastWriteHigh, nLastWriteLow, szMD5, nPlace, nGoneSince "
     "FROM PhotoFacts";
 
 std::optional<double> NumberIn(const COleVariant& value) {
@@ -59,15 +62,24 @@ class Columns {
   int position_ = 0;
 };
 
-PhotoFacts FactsIn(CDaoRecordset& rows) {
-  Columns columns(rows);
-  PhotoFacts facts;
+void ReadFile(Columns& columns, PhotoFacts& facts) {
   facts.guid = columns.Text();
   facts.path = columns.Path();
   facts.stamp.size = static_cast<uint64_t>(NumberIn(columns.Next()).value_or(0));
   facts.stamp.last_write = uint64_t{columns.Half()} << 32;
   facts.stamp.last_write |= columns.Half();
   facts.md5 = columns.Text();
+}
+
+void ReadWhereabouts(Columns& columns, PhotoFacts& facts) {
+  facts.place_id = columns.Half();
+  facts.gone_since = static_cast<int32_t>(columns.Half());
+}
+
+PhotoFacts FactsIn(CDaoRecordset& rows) {
+  Columns columns(rows);
+  PhotoFacts facts;
+  ReadFile(columns, facts);
   facts.state = EnumIn(columns.Next(), PictureState::kBroken);
   facts.problem = columns.Text();
   facts.place.latitude = NumberIn(columns.Next());
@@ -77,7 +89,7 @@ PhotoFacts FactsIn(CDaoRecordset& rows) {
   facts.model = columns.Text();
   facts.lens = columns.Text();
   facts.date_source = EnumIn(columns.Next(), DateSource::kFile);
-  facts.gone_since = static_cast<int32_t>(columns.Next().ToInteger());
+  ReadWhereabouts(columns, facts);
   return facts;
 }
 
@@ -106,6 +118,7 @@ void AddRow(const PhotoFacts& facts, CDaoRecordset& rows) {
   rows.SetFieldValue("szModel", facts.model.c_str());
   rows.SetFieldValue("szLens", facts.lens.c_str());
   rows.SetFieldValue("byteDateSource", COleVariant(static_cast<BYTE>(facts.date_source)));
+  rows.SetFieldValue("nPlace", Variant(facts.place_id));
   rows.SetFieldValue("nGoneSince", COleVariant(facts.gone_since));
   rows.Update();
 }
@@ -246,22 +259,42 @@ std::unordered_map<std::string, PhotoFacts> FactsDatabase::Of(
   return found;
 }
 
-void FactsDatabase::ForEach(const std::function<void(const PhotoFacts&)>& use) {
-  Read([&] { Select("", use); });
-}
-
-std::vector<ImportRoot> FactsDatabase::Roots() {
-  std::vector<ImportRoot> roots;
+void FactsDatabase::ForEachFile(const std::function<void(const PhotoFacts&)>& use) {
   Read([&] {
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, "SELECT szPath, szDevice FROM ImportRoots");
+    rows.Open(dbOpenDynaset, kSelectFiles);
     for (; !rows.IsEOF(); rows.MoveNext()) {
       Columns columns(rows);
-      const std::string path = columns.Path();
-      roots.push_back({path, columns.Text()});
+      PhotoFacts facts;
+      ReadFile(columns, facts);
+      ReadWhereabouts(columns, facts);
+      use(facts);
     }
   });
-  return roots;
+}
+
+std::vector<PhotoFacts> FactsDatabase::Gone() {
+  std::vector<PhotoFacts> gone;
+  Read([&] {
+    Select("WHERE nGoneSince <> 0", [&](const PhotoFacts& facts) { gone.push_back(facts); });
+  });
+  return gone;
+}
+
+std::vector<ImportPlace> FactsDatabase::Places() {
+  std::vector<ImportPlace> places;
+  Read([&] {
+    CDaoRecordset rows(&database_);
+    rows.Open(dbOpenDynaset, "SELECT nPlace, szPath, szDevice FROM ImportPlaces");
+    for (; !rows.IsEOF(); rows.MoveNext()) {
+      Columns columns(rows);
+      ImportPlace& place = places.emplace_back();
+      place.id = columns.Half();
+      place.path = columns.Path();
+      place.device = columns.Text();
+    }
+  });
+  return places;
 }
 
 void FactsDatabase::Put(std::span<const PhotoFacts> photos) {
@@ -293,15 +326,16 @@ void FactsDatabase::SetGone(const std::vector<std::string>& guids, int32_t since
   });
 }
 
-void FactsDatabase::SetRoots(const std::vector<ImportRoot>& roots) {
+void FactsDatabase::SetPlaces(const std::vector<ImportPlace>& places) {
   Write([&] {
-    database_.Execute("DELETE FROM ImportRoots");
+    database_.Execute("DELETE FROM ImportPlaces");
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, "SELECT * FROM ImportRoots");
-    for (const ImportRoot& root : roots) {
+    rows.Open(dbOpenDynaset, "SELECT * FROM ImportPlaces");
+    for (const ImportPlace& place : places) {
       rows.AddNew();
-      rows.SetFieldValue("szPath", UnlimitedLocationOf(root.path).c_str());
-      rows.SetFieldValue("szDevice", root.device.c_str());
+      rows.SetFieldValue("nPlace", Variant(place.id));
+      rows.SetFieldValue("szPath", UnlimitedLocationOf(place.path).c_str());
+      rows.SetFieldValue("szDevice", place.device.c_str());
       rows.Update();
     }
   });

@@ -26,10 +26,11 @@ class FactsDatabase {
   std::optional<PhotoFacts> Of(const std::string& guid);
   /// Those of a list of photos, by GUID.
   std::unordered_map<std::string, PhotoFacts> Of(const std::vector<std::string>& guids);
-  /// Shows each photo's facts, in no order.
-  void ForEach(const std::function<void(const PhotoFacts&)>& use);
-  /// The folders that imports have met.
-  std::vector<ImportRoot> Roots();
+  /// Shows what is known of each photo's file, in no order: path, stamp, md5, place and gone_since.
+  void ForEachFile(const std::function<void(const PhotoFacts&)>& use);
+  /// The photos whose original is gone.
+  std::vector<PhotoFacts> Gone();
+  std::vector<ImportPlace> Places();
 
   /// Opens the file for writing; makes it when it is not there. One that cannot be read is kept
   /// beside it as facts.vdb.old.
@@ -39,7 +40,7 @@ class FactsDatabase {
   void Remove(const std::vector<std::string>& guids);
   /// Notes since when originals are gone; 0: they are there.
   void SetGone(const std::vector<std::string>& guids, int32_t since);
-  void SetRoots(const std::vector<ImportRoot>& roots);
+  void SetPlaces(const std::vector<ImportPlace>& places);
 
  private:
   bool IsReadable();

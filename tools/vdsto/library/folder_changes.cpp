@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "tools/vdsto/library/trash_bin.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
 #include "tools/vdsto/tool_error.h"
@@ -86,6 +87,24 @@ uint32_t EnsureFolder(Library& library, const std::string& full_path) {
     throw ToolError(ExitCode::kNotFound, "no root folder " + Printable(full_path));
   const uint32_t parent = EnsureFolder(library, ParentOf(full_path));
   return CreateFolder(library, parent, std::string(LastComponent(full_path)));
+}
+
+std::string RelocateFolder(Library& library, uint32_t folder, uint32_t parent,
+                           const std::string& name) {
+  const auto path_of = [&] {
+    return library.Call([&](auto& catalogue) { return catalogue.GetServerPathName(folder); }).Str();
+  };
+  const std::string old_path = path_of();
+  const bool is_taken = FindSubFolder(library, parent, name).value_or(folder) != folder;
+  CString free_name = name.c_str();
+  library.Call([&](auto& catalogue) {
+    if (is_taken) free_name = catalogue.GetNewSubFolderName(name.c_str(), parent);
+    return catalogue.MoveFolder(folder, parent) &&
+           catalogue.RenameFolder(folder, free_name, catalogue.GetFolderDesc(folder));
+  });
+  FollowMove(library, old_path, path_of());
+  library.CallSearch([](auto& copy) { copy.FoldersChanged(); });
+  return free_name.Str();
 }
 
 }  // namespace vdsto

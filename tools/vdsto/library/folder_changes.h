@@ -23,4 +23,9 @@ uint32_t CreateFolder(Library& library, uint32_t parent, const std::string& name
 /// ToolError when no root has that name.
 uint32_t EnsureFolder(Library& library, const std::string& full_path);
 
+/// Gives a folder another parent in its space and a name, with a number when another sub-folder
+/// there has it. Answers its name.
+std::string RelocateFolder(Library& library, uint32_t folder, uint32_t parent,
+                           const std::string& name);
+
 }  // namespace vdsto

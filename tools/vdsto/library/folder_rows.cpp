@@ -9,24 +9,31 @@ namespace vdsto {
 FolderRows::FolderRows(const vdstomgr::PhotoArray& photos) {
   for (const PHOTOINFO& photo : photos) {
     const std::string location = photo.GetOPURL();
-    const std::string thumbnail = photo.GetLTBURL();
-    const KnownFile known{photo.szGUID, StampOf(photo), ImageKeyOf(thumbnail),
-                          thumbnail == location};
     if (location.empty()) {
-      by_name_.emplace(photo.GetFileName(), known);
+      by_name_.emplace(photo.GetFileName(), KnownFileOf(photo));
       continue;
     }
-    by_location_.emplace(location, known);
+    by_location_.emplace(location, KnownFileOf(photo));
     if (const std::string path = PathOf(location); !path.empty())
       source_folders_.push_back(ParentOf(path));
   }
 }
 
 const KnownFile* FolderRows::Find(const std::string& path) const {
-  const std::string location = LocationOf(path);
-  const auto& rows = location.empty() ? by_name_ : by_location_;
-  const auto found = rows.find(location.empty() ? Composed(LastComponent(path)) : location);
-  return found == rows.end() ? nullptr : &found->second;
+  const auto found = by_location_.find(LocationOf(path));
+  return found == by_location_.end() ? nullptr : &found->second;
+}
+
+const KnownFile* FolderRows::FindNamed(const std::string& path) const {
+  const auto found = by_name_.find(Composed(LastComponent(path)));
+  return found == by_name_.end() ? nullptr : &found->second;
+}
+
+KnownFile KnownFileOf(const PHOTOINFO& photo) {
+  const std::string location = photo.GetOPURL();
+  const std::string thumbnail = photo.GetLTBURL();
+  return {photo.szGUID, StampOf(photo), ImageKeyOf(thumbnail),
+          !location.empty() && thumbnail == location};
 }
 
 FileStamp StampOf(const PHOTOINFO& photo) {

@@ -47,18 +47,21 @@ struct PhotoFacts {
   std::string model;
   std::string lens;
   DateSource date_source = DateSource::kNone;
+  uint32_t place_id = 0;  ///< of the ImportPlace that the original was last seen on; 0: not known
   int32_t gone_since =
       0;  ///< when the original was first missed, seconds since 1970; 0: it is there
 
   bool operator==(const PhotoFacts&) const = default;
 };
 
-/// A folder that is imported, or on which a disk below one is mounted.
-struct ImportRoot {
+/// A folder that was imported, or on which a disk was mounted below one, and the disk that was
+/// there then. Several disks may have been in one place.
+struct ImportPlace {
+  uint32_t id = 0;
   std::string path;    ///< byte for byte
-  std::string device;  ///< names the file system that was there, to tell an unmounted disk
+  std::string device;  ///< names the disk: see DeviceOf
 
-  bool operator==(const ImportRoot&) const = default;
+  bool operator==(const ImportPlace&) const = default;
 };
 
 }  // namespace vdsto

@@ -91,7 +91,10 @@ std::optional<PHOTOINFO> CataloguePath::FindFile(const std::string& folder,
   }
   const std::string location = LocationOf(path);
   for (const PHOTOINFO& photo : PhotosNamed(Composed(name))) {
-    if (!location.empty() && location == photo.GetOPURL()) return photo;
+    if (location != photo.GetOPURL()) continue;
+    if (!location.empty()) return photo;
+    const auto facts = library_.FactsOfPhotos().Of(photo.szGUID);
+    if (facts && facts->path == path) return photo;
   }
   return std::nullopt;
 }
