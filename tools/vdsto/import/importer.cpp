@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <system_error>
 #include <thread>
+#include <unordered_map>
 #include <unordered_set>
 #include <variant>
 
@@ -18,6 +19,7 @@
 #include "tools/vdsto/import/moved_photos.h"
 #include "tools/vdsto/import/photo_writer.h"
 #include "tools/vdsto/import/progress.h"
+#include "tools/vdsto/import/sidecars.h"
 #include "tools/vdsto/import/source_walk.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/picture/picture_probe.h"
@@ -46,7 +48,7 @@ std::string ReadableFolder(const std::string& folder, std::error_code& error) {
 
 ProbeResult Probe(ImportJob job) {
   try {
-    PictureFacts facts = ProbePicture(job.path);
+    PictureFacts facts = ProbePicture(job.path, job.sidecar);
     return {std::move(job), std::move(facts)};
   } catch (const std::system_error& error) {
     return {std::move(job), error.code().message()};
@@ -68,7 +70,10 @@ class Import {
         }) {
     images_.Open();
     library.FactsOfPhotos().Prepare();
-    library.FactsOfPhotos().ForEach([&](const auto& facts) { with_facts_.insert(facts.guid); });
+    library.FactsOfPhotos().ForEach([&](const auto& facts) {
+      with_facts_.insert(facts.guid);
+      if (facts.sidecar != FileStamp()) sidecars_read_.emplace(facts.guid, facts.sidecar);
+    });
   }
 
   ImportSummary Run(const ImportRoots& roots) {
@@ -106,17 +111,24 @@ class Import {
                     const std::vector<SourceEntry>& files) {
     const auto id = mirror_.Find(folder);
     const auto rows = id ? mirror_.Rows(*id) : nullptr;
+    const Sidecars sidecars(files);
     for (const SourceEntry& file : files) {
+      if (IsSidecar(file.path)) {
+        ++sidecars_;
+        continue;
+      }
+      const SourceEntry* const sidecar = sidecars.Of(file.path);
       const KnownFile* known = rows ? rows->Find(file.path) : nullptr;
       const auto moved = known ? std::nullopt : moved_.Find(file.path);
       if (moved) known = &moved->file;
       const bool is_in_trash = moved && moved->is_in_trash;
-      if (is_in_trash || (known && IsUpToDate(*known, file))) {
+      if (is_in_trash || (known && IsUpToDate(*known, file) && IsReadFrom(*known, sidecar))) {
         ++(is_in_trash ? in_trash_ : unchanged_);
         continue;
       }
       ++found_;
-      if (IsInterrupted() || !jobs_.Push({file.path, root, known ? known->guid : std::string()}))
+      if (IsInterrupted() || !jobs_.Push({file.path, root, known ? known->guid : std::string(),
+                                          sidecar ? sidecar->path : std::string()}))
         return false;
     }
     if (id) mirror_.Release(*id);
@@ -127,6 +139,12 @@ class Import {
     return known.stamp == file.stamp && !known.shows_original &&
            (known.image_key.empty() || images_.Has(known.image_key)) &&
            with_facts_.contains(known.guid);
+  }
+
+  bool IsReadFrom(const KnownFile& known, const SourceEntry* sidecar) const {
+    const auto read = sidecars_read_.find(known.guid);
+    const FileStamp stamp = read == sidecars_read_.end() ? FileStamp() : read->second;
+    return stamp == (sidecar ? sidecar->stamp : FileStamp());
   }
 
   std::vector<std::jthread> StartProbers() {
@@ -173,6 +191,8 @@ class Import {
     summary_.unchanged = unchanged_;
     summary_.in_trash = in_trash_;
     summary_.hidden = walk_.Hidden();
+    summary_.special = walk_.Special();
+    summary_.sidecars = sidecars_;
     for (const auto& remarks : {roots.unreadable, walk_.Unreadable()})
       summary_.unreadable.insert(summary_.unreadable.end(), remarks.begin(), remarks.end());
     summary_.unreadable_roots = roots.unreadable.size() + CountUnreadable(roots.folders);
@@ -191,7 +211,8 @@ class Import {
   ImageStore images_;
   FolderMirror mirror_;
   std::unordered_set<std::string> with_facts_;
-  MovedPhotos moved_;  // the walker's, until it ends
+  std::unordered_map<std::string, FileStamp> sidecars_read_;  // by GUID
+  MovedPhotos moved_;                                         // the walker's, until it ends
   ImportSummary summary_;
   PhotoWriter writer_;
   Progress progress_;
@@ -201,6 +222,7 @@ class Import {
   std::atomic<uint64_t> found_{0};
   std::atomic<uint64_t> unchanged_{0};
   std::atomic<uint64_t> in_trash_{0};
+  std::atomic<uint64_t> sidecars_{0};
   uint64_t done_ = 0;
   SourceWalk walk_;                // the walker's, until it ends
   std::exception_ptr walk_error_;  // the walker's, until it ends

@@ -103,6 +103,7 @@ PHOTOINFO NewPhotoRecord(const std::string& path, const PictureFacts& facts, uin
   photo.SetOPURL(LocationOf(path).c_str());
   photo.SetFolderID(folder);
   photo.SetRegDate(now);
+  photo.SetRating(facts.words.rating.value_or(0));
   RefreshPhotoRecord(facts, photo);
   return photo;
 }

@@ -34,7 +34,9 @@ std::vector<std::string> ReadKeywords(const Exiv2::IptcData& iptc) {
 
 /// A month or day that nobody knows is 00.
 std::string ReadDate(const Exiv2::IptcData& iptc) {
-  const std::string day = Raw(iptc, "Iptc.Application2.DateCreated");
+  std::string day = Raw(iptc, "Iptc.Application2.DateCreated");
+  // The library leaves a date with such a part as it stands.
+  if (day.size() == 8 && day.find('-') == std::string::npos) day.insert(6, "-").insert(4, "-");
   const std::string known = day.substr(0, day.find("-00"));
   if (known != day) return DateFrom(known);
   const std::string with_time = DateFrom(day + "T" + Raw(iptc, "Iptc.Application2.TimeCreated"));

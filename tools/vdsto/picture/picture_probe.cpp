@@ -86,16 +86,17 @@ std::pair<PictureState, std::string> Judge(const DecodedPicture& decoded,
           decoded.width ? name + " data cannot be decoded" : "not a valid " + name + " file"};
 }
 
-std::string ReadSidecar(const std::string& path, std::string& problem) {
+std::string ReadSidecar(const std::string& path, PictureFacts& facts) {
   if (path.empty()) return {};
   try {
     const SourceFile file(path);
+    facts.sidecar = file.Stamp();
     std::string packet(std::min<uint64_t>(file.Stamp().size, kMostMetadata), '\0');
     packet.resize(file.ReadAt(std::as_writable_bytes(std::span(packet)), 0));
     if (file.Stamp().size <= kMostMetadata) return packet;
-    problem = "larger than any real sidecar";
+    facts.sidecar_problem = "larger than any real sidecar";
   } catch (const std::system_error& error) {
-    problem = error.code().message();
+    facts.sidecar_problem = error.code().message();
   }
   return {};
 }
@@ -118,8 +119,8 @@ PictureFacts ProbePicture(const std::string& path, const std::string& sidecar) {
   const PictureData data = DataOf(file, facts.format);
   const bool is_safe = IsSafeToRead(file, facts.format);
   const bool has_sane_xmp = is_safe && HasSaneXmp(data.bytes, facts.format);
-  PictureMetadata metadata = ReadMetadata(has_sane_xmp ? data : PictureData(),
-                                          ReadSidecar(sidecar, facts.sidecar_problem));
+  PictureMetadata metadata =
+      ReadMetadata(has_sane_xmp ? data : PictureData(), ReadSidecar(sidecar, facts));
   DecodedPicture decoded;
   if (is_safe) decoded = Decode(data, facts.format, metadata.exif.orientation);
   SetSize(metadata, decoded, facts);

@@ -27,6 +27,7 @@ struct PictureFacts {
   PictureWords words;
   PictureState state = PictureState::kBroken;
   std::string problem;             ///< why the state is not good, in a few words
+  FileStamp sidecar;               ///< all 0 without one
   std::string sidecar_problem;     ///< why the sidecar was not read
   std::vector<uint8_t> thumbnail;  ///< a small upright JPEG; empty exactly for a broken picture
 
