@@ -27,7 +27,11 @@ PhotoFacts Example(const std::string& guid) {
           "렌즈",
           vdsto::DateSource::kDigitized,
           3,
-          1'700'000'000};
+          1'700'000'000,
+          4032,
+          70'000,
+          {7, 0xFEDCBA98'87654321},
+          {4, "제목", "it's", {"바다"}}};
 }
 
 std::string RowAsText(const std::string& path, const std::string& password) {
@@ -59,13 +63,14 @@ TEST_F(FactsTest, KeepEveryColumnUnderAPassword) {
   facts.Remove({other.guid});
   facts.SetPlaces({{4, "/a", "1"}});
   facts.SetPlaces({{5, "/A\xFE", "2"}, {6, "/a", "3"}});
-  EXPECT_EQ(facts.Places(),
-            (std::vector<vdsto::ImportPlace>{{5, "/A\xFE", "2"}, {6, "/a", "3"}}));
+  EXPECT_EQ(facts.Places(), (std::vector<vdsto::ImportPlace>{{5, "/A\xFE", "2"}, {6, "/a", "3"}}));
   EXPECT_EQ(RowAsText(Path(), "열려라 참깨 열려라 참깨"),
             kGuid + "|file:///disk/%FF%20" + std::string(300, 'n') +
                 "/%ED%9D%B0.jpg|5000000123|-19088744|-2023406815|"
                 "900150983cd24fb0d6963f7d28e17f72|1|it's cut|37.5665|-122.25||NIKON|" +
-                std::string(80, 'm') + "|렌즈|2|3|1700000000|");
+                std::string(80, 'm') +
+                "|렌즈|2|3|1700000000|4032|70000|7/18364758544779395873|{\"description\":\"it's\","
+                "\"keywords\":[\"바다\"],\"rating\":4,\"title\":\"제목\"}|");
 }
 
 /// Reading never makes a file and never fails; an import makes it again, and keeps the old one.

@@ -139,11 +139,13 @@ TEST_F(ImportTest, LinksAndLongPaths) {
   fs::create_symlink("nowhere", Pictures("dangling.jpg"));
   const std::string long_name = std::string(120, 'n') + "/" + std::string(120, 'm') + "/long.jpg";
   WritePicture(Pictures(long_name));
-  const json summary = Import();
+  const Outcome import = Vdsto({"import", Pictures()});
+  const json summary = import.Json();
+  EXPECT_EQ(import.code, 11) << "a link leads nowhere";
   EXPECT_EQ(Counts(summary), "3 0 0");
   EXPECT_EQ(summary["long_paths"][0]["path"], Pictures(long_name));
   EXPECT_EQ(summary["unreadable"][0]["path"], Pictures("dangling.jpg"));
-  const json again = Import();
+  const json again = Vdsto({"import", Pictures()}).Json();
   EXPECT_EQ(Counts(again), "0 0 3");
   EXPECT_EQ(again["long_paths"].size(), 0u) << "not looked into again";
 }

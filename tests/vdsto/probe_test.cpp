@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "test_support.h"
+#include "tools/vdsto/picture/picture_date.h"
 #include "tools/vdsto/picture/picture_metadata.h"
 #include "tools/vdsto/picture/picture_probe.h"
 
@@ -83,8 +84,7 @@ TEST_F(ProbeTest, ReadsCameraData) {
   const PictureFacts facts = ProbePicture(path);
   const ExifFacts& exif = facts.exif;
   EXPECT_EQ(facts.width, 640u) << "stored size, not the upright one";
-  EXPECT_EQ(exif.maker, "EASTMAN KODAK COMPANY AND A LOT");
-  EXPECT_EQ(exif.model, "KODAK CX7530 ZOOM DIGITAL CAMERA");
+  EXPECT_EQ(exif.maker, "EASTMAN KODAK COMPANY AND A LOT OF OTHERS");
   EXPECT_EQ(exif.camera_model, "KODAK CX7530 ZOOM DIGITAL CAMERA, long name");
   EXPECT_EQ(exif.shooter, "김철수");
   EXPECT_EQ(exif.camera_lens, "smc F 35-80mm");
@@ -94,7 +94,7 @@ TEST_F(ProbeTest, ReadsCameraData) {
   EXPECT_EQ(exif.exposure_bias, "-0.67");
   EXPECT_EQ(std::tuple(exif.focal_length, exif.focal_length_35, exif.iso), std::tuple(36, 52, 200));
   EXPECT_EQ(std::tuple(exif.orientation, exif.metering_mode, exif.flash), std::tuple(6, 5, 16));
-  EXPECT_EQ(exif.shoot_time, 1088490573);  // in Seoul
+  EXPECT_EQ(exif.shot, "2004-06-29 15:29:33");
 }
 
 /// "TL" to "BR": the corner where the picture is bright.
@@ -142,14 +142,31 @@ TEST_F(ProbeTest, ImpossibleCameraDataCountAsNone) {
                    {"Exif.Photo.ExifVersion", "0 0 0 0"},
                    {"Exif.Photo.DateTimeOriginal", "    :  :     :  :  "}});
   const ExifFacts exif = ProbePicture(path).exif;
-  EXPECT_EQ(std::tuple(exif.orientation, exif.focal_length, exif.flash, exif.shoot_time),
-            std::tuple(0, 0, 0, 0));
-  EXPECT_EQ(exif.exposure + exif.version, "");
-  for (const char* date :
-       {"0000:00:00 00:00:00", "", "2004:13:01 00:00:00", "2004:01:01", "1899:01:01 00:00:00"}) {
-    EXPECT_EQ(ParseExifTime(date), 0) << date;
-  }
-  EXPECT_EQ(ParseExifTime("2004-06-29T15:29:33"), 1088490573);
+  EXPECT_EQ(std::tuple(exif.orientation, exif.focal_length, exif.flash, exif.shot_source),
+            std::tuple(0, 0, 0, DateSource::kNone));
+  EXPECT_EQ(exif.exposure + exif.version + exif.shot, "");
+}
+
+TEST(PictureDate, IsARealMomentOfTheClockAtThePlace) {
+  const std::pair<const char*, const char*> dates[] = {
+      {"2004:06:29 15:29:33", "2004-06-29 15:29:33"},
+      {"2004-06-29T15:29:33.25+09:00", "2004-06-29 15:29:33"},
+      {"2004/06/29 15:29", "2004-06-29 15:29:00"},
+      {"1965:07:31   :  :  ", "1965-07-31 00:00:00"},
+      {"1965-07", "1965-07-01 00:00:00"},
+      {"1899", "1899-01-01 00:00:00"},
+      {"2004:02:29 23:59:60", "2004-02-29 23:59:59"},
+      {"2004:02:30 10:00:00", ""},
+      {"2003:02:29 10:00:00", ""},
+      {"2004:13:01 00:00:00", ""},
+      {"2004:01:01 25:00:00", ""},
+      {"0000:00:00 00:00:00", ""},
+      {"0001:01:01 00:00:00", ""},
+      {"1970:01:01 00:00:00", ""},
+      {"    :  :     :  :  ", ""},
+      {"20040629", ""},
+      {"", ""}};
+  for (const auto& [text, date] : dates) EXPECT_EQ(DateFrom(text), date) << text;
 }
 
 TEST_F(ProbeTest, TellsDamagedFromBroken) {
@@ -238,6 +255,7 @@ TEST_F(ProbeTest, DigestAndTimesAreExact) {
   EXPECT_EQ(ProbePicture(folder_ / "abc.jpg").md5, "900150983cd24fb0d6963f7d28e17f72");
   EXPECT_EQ(UnixTimeOf(116444736000000000ull), 0);
   EXPECT_EQ(UnixTimeOf(132000000000000000ull), 1555526400);
+  EXPECT_EQ(UnixTimeOf(116444735990000000ull), -1) << "before 1970";
   EXPECT_EQ(UnixTimeOf(0), 0);
 }
 

@@ -11,6 +11,8 @@
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/library/photo_guid.h"
 #include "tools/vdsto/picture/memory_budget.h"
+#include "tools/vdsto/text/clock_time.h"
+#include "tools/vdsto/text/text.h"
 
 namespace vdsto {
 namespace {
@@ -24,9 +26,8 @@ PictureFacts Facts(PictureState state, uint32_t width, uint32_t height) {
   facts.stamp = {5'000'000'000, 132'000'000'000'000'001};
   facts.md5 = "900150983cd24fb0d6963f7d28e17f72";
   facts.exif.camera_model = "Canon EOS 40D";
-  facts.exif.model = "Canon EOS 40D";
   facts.exif.shooter = "Kim";
-  facts.exif.shoot_time = 1'088'490'573;
+  facts.exif.shot = "2004-06-29 15:29:33";
   return facts;
 }
 
@@ -41,7 +42,7 @@ TEST(PhotoRecord, ANewPictureFillsItsRow) {
   EXPECT_EQ(photo.Width, 65535) << "the most that the row holds";
   EXPECT_EQ(photo.Height, 3000);
   EXPECT_EQ(std::tuple(photo.dwFolderID, photo.RegDate, photo.ShootDate),
-            std::tuple(7u, 1700000000, 1088490573));
+            std::tuple(7u, 1700000000, TimeOfClock("2004-06-29 15:29:33")));
   EXPECT_EQ(StampOf(photo), (FileStamp{5'000'000'000, 132'000'000'000'000'001}));
   EXPECT_EQ(photo.InfoSync, 0);
 }
@@ -59,12 +60,12 @@ TEST(PhotoRecord, ABrokenPictureKeepsItsSizeAndHasNoThumbnail) {
 TEST(PhotoRecord, WhatTheUserSetStays) {
   PHOTOINFO photo = NewPhotoRecord("/p/a.jpg", Facts(PictureState::kGood, 640, 480), 7, 1);
   PictureFacts changed = Facts(PictureState::kGood, 640, 480);
-  changed.exif.camera_model = changed.exif.model = "NIKON E775";
+  changed.exif.camera_model = "NIKON E775";
   changed.exif.shooter = "Lee";
-  changed.exif.shoot_time = 1'000'000'000;
+  changed.exif.shot = "2001-09-09 10:46:40";
   PHOTOINFO untouched = photo;
   RefreshPhotoRecord(changed, untouched);
-  EXPECT_EQ(untouched.ShootDate, 1'000'000'000);
+  EXPECT_EQ(TimeText(untouched.ShootDate), "2001-09-09 10:46:40");
   EXPECT_STREQ(untouched.GetCameraModel(), "NIKON E775");
 
   photo.SetRating(5);
@@ -78,7 +79,7 @@ TEST(PhotoRecord, WhatTheUserSetStays) {
   EXPECT_EQ(std::tuple(photo.byteRating, photo.byteRotate, photo.dwFolderID),
             std::tuple(5, 1, 99u));
   EXPECT_EQ(photo.ShootDate, 1'234'567'890);
-  EXPECT_EQ(photo.ExifShootDate, 1'000'000'000);
+  EXPECT_EQ(TimeText(photo.ExifShootDate), "2001-09-09 10:46:40");
   EXPECT_STREQ(photo.GetFileName(), "renamed.jpg");
   EXPECT_STREQ(photo.GetCameraModel(), "my camera");
   EXPECT_STREQ(photo.GetShooter(), "Kim");

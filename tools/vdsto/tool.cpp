@@ -13,12 +13,12 @@
 namespace vdsto {
 namespace {
 
-constexpr std::array kGroups{&AddImport,     &AddTree,   &AddList,     &AddInfo,    &AddMissing,
-                             &AddFind,       &AddTagged, &AddThumb,    &AddGallery, &AddRate,
-                             &AddTag,        &AddTitle,  &AddDescribe, &AddRotate,  &AddFlag,
-                             &AddCamera,     &AddTrash,  &AddUpload,   &AddSync,    &AddNotify,
-                             &AddMakeFolder, &AddMove,   &AddFolder,   &AddRoom,    &AddAlbum,
-                             &AddStat,       &AddStore,  &AddReindex,  &AddReset};
+constexpr std::array kGroups{&AddImport,   &AddTree,       &AddList,   &AddInfo,     &AddMissing,
+                             &AddProblems, &AddFind,       &AddTagged, &AddThumb,    &AddGallery,
+                             &AddRate,     &AddTag,        &AddTitle,  &AddDescribe, &AddRotate,
+                             &AddFlag,     &AddCamera,     &AddTrash,  &AddUpload,   &AddSync,
+                             &AddNotify,   &AddMakeFolder, &AddMove,   &AddFolder,   &AddRoom,
+                             &AddAlbum,    &AddStat,       &AddStore,  &AddReindex,  &AddReset};
 
 constexpr const char* kExitCodes = R"(Exit codes:
   0    done; broken pictures are kept and named, and are no failure
@@ -32,6 +32,7 @@ constexpr const char* kExitCodes = R"(Exit codes:
   8    not done, so that nothing is lost
   9    done in part: a folder to import could not be read, a file not be uploaded
   10   the target of an upload cannot be reached, does not let in or is full
+  11   an import could not read or store some files; the others are done
   130  interrupted; what was done until then is kept)";
 
 class CommandLine {

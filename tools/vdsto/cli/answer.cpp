@@ -29,7 +29,8 @@ Fact SizeFact(uint64_t bytes) {
 }
 
 Fact TimeFact(int32_t time) {
-  return time == 0 ? Fact(Json()) : Fact(TimeText(time));
+  const std::string text = TimeText(time);
+  return text.empty() ? Fact(Json()) : Fact(text);
 }
 
 Facts& Facts::Add(const std::string& key, const Fact& fact) {

@@ -1,7 +1,10 @@
 #include "tools/vdsto/cli/photo_text.h"
 
+#include <cstdlib>
+
 #include "tools/vdsto/library/folder_rows.h"
 #include "tools/vdsto/picture/source_file.h"
+#include "tools/vdsto/text/clock_time.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
 
@@ -13,6 +16,13 @@ Json TextOrNull(const std::string& text) {
 }
 Json NumberOrNull(uint32_t number) {
   return number == 0 ? Json() : Json(number);
+}
+
+/// A time that an import could only take from the file has a mark that people see.
+Fact ShotFact(const PHOTOINFO& photo) {
+  Fact fact = TimeFact(photo.ShootDate);
+  if (HasGuessedDate(photo)) fact.text += "?";
+  return fact;
 }
 
 /// "1600 x 1200"; nothing for a photo that cannot be shown.
@@ -54,6 +64,14 @@ std::string LastWriteText(const PHOTOINFO& photo) {
   return TimeText(UnixTimeOf(StampOf(photo).last_write));
 }
 
+/// The file keeps what the clock showed, so in another zone the two differ by what the zones do.
+bool HasGuessedDate(const PHOTOINFO& photo) {
+  constexpr int64_t kStep = 15 * 60, kMost = 26 * 60 * 60;
+  if (IsTime(photo.ExifShootDate) || !IsTime(photo.ShootDate)) return false;
+  const int64_t apart = int64_t{photo.ShootDate} - UnixTimeOf(StampOf(photo).last_write);
+  return apart % kStep == 0 && std::abs(apart) <= kMost;
+}
+
 bool CanBeShown(const PHOTOINFO& photo) {
   return *photo.GetLTBURL() != '\0';
 }
@@ -70,6 +88,7 @@ Json PhotoAsJson(const PHOTOINFO& photo, const std::string& folder) {
           {"height", shown ? Json(photo.Height) : Json()},
           {"rotate", photo.byteRotate},
           {"shot", TextOrNull(TimeText(photo.ShootDate))},
+          {"shot_is_guess", HasGuessedDate(photo)},
           {"registered", TextOrNull(TimeText(photo.RegDate))},
           {"modified", TextOrNull(TimeText(photo.UserModify))},
           {"last_write", TextOrNull(LastWriteText(photo))},
@@ -94,7 +113,9 @@ void AddPhotoFacts(const std::optional<PhotoFacts>& known, Facts& facts) {
                           {"model", TextOrNull(known->model)},
                           {"lens", TextOrNull(known->lens)}})
       .Add("picture", Json{{"state", std::string(NameOf(known->state))},
-                           {"problem", TextOrNull(known->problem)}});
+                           {"problem", TextOrNull(known->problem)},
+                           {"width", NumberOrNull(known->width)},
+                           {"height", NumberOrNull(known->height)}});
 }
 
 Fact TagsFact(const std::vector<TAGINFO>& tags) {
@@ -112,7 +133,7 @@ Table PhotoTable() {
 }
 
 void AddPhoto(const PHOTOINFO& photo, const std::string& name, Table& table) {
-  table.Add({TimeFact(photo.ShootDate), SizeFact(photo.FileSize), PixelFact(photo), name});
+  table.Add({ShotFact(photo), SizeFact(photo.FileSize), PixelFact(photo), name});
 }
 
 }  // namespace vdsto

@@ -13,6 +13,9 @@ namespace vdsto {
 /// The last-write time to the second; empty when there is none.
 std::string LastWriteText(const PHOTOINFO& photo);
 
+/// Is the photo's date only the last-write time of its file, because nothing in it tells?
+bool HasGuessedDate(const PHOTOINFO& photo);
+
 /// Can the photo be shown? One that cannot has no location of a thumbnail, and its record no real
 /// size.
 bool CanBeShown(const PHOTOINFO& photo);

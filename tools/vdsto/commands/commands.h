@@ -26,6 +26,7 @@ void AddUpload(CommandGroup& tool);
 void AddSync(CommandGroup& tool);
 void AddNotify(CommandGroup& tool);
 void AddStat(CommandGroup& tool);
+void AddProblems(CommandGroup& tool);
 void AddStore(CommandGroup& tool);
 void AddTrash(CommandGroup& tool);
 void AddMakeFolder(CommandGroup& tool);

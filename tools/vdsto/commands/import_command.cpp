@@ -17,7 +17,9 @@ keeps all that its photos have. A photo whose file is gone stays and is marked; 
 the catalogue stays where it is, and one in the trash is left alone. A disk that is not mounted takes no
 photo away. Names that begin with a dot are passed over; links to folders are followed
 unless they lead into or above the imported tree. Folders without pictures are not mirrored. When some of the
-folders cannot be read, the others are imported and the exit code is 9.)";
+folders cannot be read, the others are imported and the exit code is 9; 11 says that a file could not be read
+or stored. An XMP file beside a picture (a.jpg.xmp, a.xmp) is read with it. Dates, places, ratings, titles,
+descriptions and keywords, as tags, are taken over; what you change in the catalogue stays yours.)";
 
 void AddRemarks(const std::string& key, const std::vector<Remark>& remarks,
                 const std::string& title, Facts& facts) {
@@ -40,8 +42,9 @@ std::string Sentence(const ImportSummary& summary) {
          std::to_string(summary.unchanged) + " unchanged" +
          (summary.in_trash > 0 ? ", " + std::to_string(summary.in_trash) + " in the trash" : "") +
          "; " + Counted(summary.folders_created, "new folder") + "; " +
-         Counted(summary.not_pictures, "other file") + " and " + std::to_string(summary.hidden) +
-         " hidden skipped";
+         Counted(summary.not_pictures, "other file") +
+         (summary.special > 0 ? ", " + std::to_string(summary.special) + " devices or pipes" : "") +
+         " and " + std::to_string(summary.hidden) + " hidden skipped";
 }
 
 std::string GoneSentence(const ImportSummary& summary) {
@@ -61,6 +64,8 @@ Facts Describe(const ImportSummary& summary) {
       .ForPrograms("in_trash", summary.in_trash)
       .ForPrograms("folders_created", summary.folders_created)
       .ForPrograms("not_pictures", summary.not_pictures)
+      .ForPrograms("special", summary.special)
+      .ForPrograms("sidecars", summary.sidecars)
       .ForPrograms("hidden", summary.hidden);
   AddRemarks("broken", summary.broken, "Broken pictures, kept with what is known", facts);
   AddRemarks("damaged", summary.damaged, "Damaged pictures, shown in part", facts);
@@ -73,6 +78,11 @@ Facts Describe(const ImportSummary& summary) {
   return facts.ForPrograms("seconds", summary.seconds)
       .ForPrograms("interrupted", summary.interrupted)
       .ForPeople(Sentence(summary) + GoneSentence(summary));
+}
+
+ExitCode CodeFor(const ImportSummary& summary) {
+  const bool is_complete = summary.unreadable.empty() && summary.not_stored.empty();
+  return is_complete ? ExitCode::kOk : ExitCode::kUnreadable;
 }
 
 struct Import {
@@ -93,7 +103,7 @@ struct Import {
     const ImportSummary summary = ImportFolders(library, roots, invocation.WantsJson());
     invocation.Write(Describe(summary));
     if (summary.interrupted) return ExitCode::kInterrupted;
-    if (summary.unreadable_roots == 0) return ExitCode::kOk;
+    if (summary.unreadable_roots == 0) return CodeFor(summary);
     throw ToolError(ExitCode::kIncomplete, std::to_string(summary.unreadable_roots) + " of " +
                                                Counted(folders.size(), "folder") +
                                                " could not be imported");

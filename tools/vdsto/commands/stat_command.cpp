@@ -9,6 +9,7 @@
 #include "tools/vdsto/library/folder_tree.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/picture/picture_format.h"
+#include "tools/vdsto/text/clock_time.h"
 #include "tools/vdsto/text/text.h"
 
 namespace vdsto {
@@ -29,16 +30,17 @@ struct Statistics {
   uint64_t folders = 0;
   uint64_t not_shown = 0;
   std::map<std::string, Total> by_type;  // by extension
-  int32_t first_shot = 0;
+  int32_t first_shot = 0;                ///< of the dates that are no guesses
   int32_t last_shot = 0;
 
   void Add(const PHOTOINFO& photo) {
     all.Add(photo);
     by_type[ExtensionOf(photo.GetFileName())].Add(photo);
     if (!CanBeShown(photo)) ++not_shown;
-    if (photo.ShootDate == 0) return;
-    first_shot = first_shot == 0 ? photo.ShootDate : std::min(first_shot, photo.ShootDate);
-    last_shot = std::max(last_shot, photo.ShootDate);
+    if (!IsTime(photo.ShootDate) || HasGuessedDate(photo)) return;
+    const bool is_first = !IsTime(first_shot);
+    first_shot = is_first ? photo.ShootDate : std::min(first_shot, photo.ShootDate);
+    last_shot = is_first ? photo.ShootDate : std::max(last_shot, photo.ShootDate);
   }
 };
 
@@ -89,7 +91,7 @@ Facts Describe(const Statistics& statistics, const Library& library) {
       .Add("folders", statistics.folders)
       .ForPrograms("first_shot", TimeFact(statistics.first_shot).json)
       .ForPrograms("last_shot", TimeFact(statistics.last_shot).json);
-  if (statistics.first_shot != 0) {
+  if (IsTime(statistics.first_shot)) {
     facts.ForPeople("taken",
                     TimeText(statistics.first_shot) + " to " + TimeText(statistics.last_shot));
   }

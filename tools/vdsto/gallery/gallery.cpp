@@ -9,13 +9,14 @@
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/library/photo_texts.h"
 #include "tools/vdsto/selection/tags.h"
+#include "tools/vdsto/text/clock_time.h"
 
 namespace vdsto {
 namespace {
 
 bool IsShownBefore(const GalleryPhoto& left, const GalleryPhoto& right) {
   const auto key = [](const GalleryPhoto& photo) {
-    return std::tuple(photo.item.ShootDate == 0, photo.item.ShootDate,
+    return std::tuple(!IsTime(photo.item.ShootDate), photo.item.ShootDate,
                       std::string_view(photo.item.GetFileName()));
   };
   return key(left) < key(right);

@@ -1,8 +1,18 @@
 #include "tools/vdsto/import/cameras_met.h"
 
+#include "tools/vdsto/text/text.h"
+
 namespace vdsto {
 
-void CamerasMet::Names::Remember(const std::string& name) {
+namespace {
+
+/// The width of the catalogue's lists.
+constexpr size_t kNameCharacters = 64;
+
+}  // namespace
+
+void CamerasMet::Names::Remember(const std::string& full_name) {
+  const std::string name = Trimmed(FirstCharacters(full_name, kNameCharacters));
   if (!name.empty() && known.insert(name).second) fresh.insert(name);
 }
 

@@ -22,7 +22,7 @@ class CamerasMet {
     std::set<std::string> known;
     std::set<std::string> fresh;
 
-    void Remember(const std::string& name);
+    void Remember(const std::string& full_name);
   };
 
   template <class Add>

@@ -22,7 +22,9 @@ struct ImportSummary {
   uint64_t newly_gone = 0;  ///< those of them that were there when an import last looked
   uint64_t in_trash = 0;    ///< files of photos in the trash, left alone
   uint64_t not_pictures = 0;
-  uint64_t hidden = 0;  ///< files and folders whose name begins with a dot
+  uint64_t hidden = 0;    ///< files and folders whose name begins with a dot
+  uint64_t special = 0;   ///< devices, sockets and pipes
+  uint64_t sidecars = 0;  ///< XMP files, read with the pictures that they stand beside
   uint64_t folders_created = 0;
   std::vector<Remark> broken;      ///< kept, but cannot be shown
   std::vector<Remark> damaged;     ///< kept, shown in part

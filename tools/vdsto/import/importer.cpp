@@ -21,6 +21,7 @@
 #include "tools/vdsto/import/known_photos.h"
 #include "tools/vdsto/import/photo_writer.h"
 #include "tools/vdsto/import/progress.h"
+#include "tools/vdsto/import/sidecars.h"
 #include "tools/vdsto/import/source_walk.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/library/trash_bin.h"
@@ -51,7 +52,7 @@ std::string ReadableFolder(const std::string& folder, std::error_code& error) {
 
 ProbeResult Probe(ImportJob job) {
   try {
-    PictureFacts facts = ProbePicture(job.path);
+    PictureFacts facts = ProbePicture(job.path, job.sidecar);
     return {std::move(job), std::move(facts)};
   } catch (const std::system_error& error) {
     return {std::move(job), error.code().message()};
@@ -112,11 +113,18 @@ class Import {
                     const std::vector<SourceEntry>& files) {
     const auto id = mirror_.Find(folder);
     const auto rows = id ? mirror_.Rows(*id) : nullptr;
+    const Sidecars sidecars(files);
     for (const SourceEntry& file : files) {
+      if (IsSidecar(file.path)) {
+        ++sidecars_;
+        continue;
+      }
+      const SourceEntry* const sidecar = sidecars.Of(file.path);
       const auto known = FindKnown(file.path, rows.get());
-      if (known && IsLeftAlone(*known, file)) continue;
+      if (known && IsLeftAlone(*known, file, sidecar)) continue;
       ++found_;
-      if (IsInterrupted() || !jobs_.Push({file.path, root, known ? known->guid : std::string()}))
+      if (IsInterrupted() || !jobs_.Push({file.path, root, known ? known->guid : std::string(),
+                                          sidecar ? sidecar->path : std::string()}))
         return false;
     }
     if (id) mirror_.Release(*id);
@@ -136,13 +144,14 @@ class Import {
     return index && !known_[*index].has_facts ? std::optional(*named) : std::nullopt;
   }
 
-  bool IsLeftAlone(const KnownFile& known, const SourceEntry& file) {
+  bool IsLeftAlone(const KnownFile& known, const SourceEntry& file, const SourceEntry* sidecar) {
     const auto index = known_.Find(known.guid);
     if (!index) return false;
     known_.MarkSeen(*index);
     const bool is_in_trash = IsTrashFolder(known_[*index].folder);
-    const bool is_left_alone = is_in_trash || (known_[*index].has_facts &&
-                                               !known_[*index].is_gone && IsUpToDate(known, file));
+    const bool is_left_alone =
+        is_in_trash || (known_[*index].has_facts && !known_[*index].is_gone &&
+                        IsUpToDate(known, file) && IsReadFrom(*index, sidecar));
     if (is_left_alone) ++(is_in_trash ? in_trash_ : unchanged_);
     return is_left_alone;
   }
@@ -150,6 +159,10 @@ class Import {
   bool IsUpToDate(const KnownFile& known, const SourceEntry& file) {
     return known.stamp == file.stamp && !known.shows_original &&
            (known.image_key.empty() || images_.Has(known.image_key));
+  }
+
+  bool IsReadFrom(KnownPhotos::Index index, const SourceEntry* sidecar) const {
+    return known_.SidecarOf(index) == (sidecar ? sidecar->stamp : FileStamp());
   }
 
   std::vector<std::jthread> StartProbers() {
@@ -229,6 +242,8 @@ class Import {
     summary_.unchanged = unchanged_;
     summary_.in_trash = in_trash_;
     summary_.hidden = walk_.Hidden();
+    summary_.special = walk_.Special();
+    summary_.sidecars = sidecars_;
     for (const auto& remarks : {roots.unreadable, walk_.Unreadable()})
       summary_.unreadable.insert(summary_.unreadable.end(), remarks.begin(), remarks.end());
     summary_.unreadable_roots = roots.unreadable.size() + CountUnreadable(roots.folders);
@@ -259,6 +274,7 @@ class Import {
   std::atomic<uint64_t> found_{0};
   std::atomic<uint64_t> unchanged_{0};
   std::atomic<uint64_t> in_trash_{0};
+  std::atomic<uint64_t> sidecars_{0};
   uint64_t done_ = 0;
   SourceWalk walk_;                // the walker's, until it ends
   std::exception_ptr walk_error_;  // the walker's, until it ends

@@ -80,6 +80,7 @@ void KnownPhotos::ReadFacts(FactsDatabase& facts, ImportPlaces& places) {
     places.Observe(file);
     photos_[*index].has_facts = true;
     Take(file, places, photos_[*index]);
+    if (file.sidecar != FileStamp()) sidecars_.emplace(*index, file.sidecar);
   });
 }
 
@@ -109,6 +110,11 @@ std::optional<KnownPhotos::Index> KnownPhotos::Find(const std::string& guid) con
   const auto found = std::lower_bound(photos_.begin(), photos_.end(), guid, IsBefore);
   if (found == photos_.end() || guid != found->guid.data()) return std::nullopt;
   return static_cast<Index>(found - photos_.begin());
+}
+
+FileStamp KnownPhotos::SidecarOf(Index index) const {
+  const auto found = sidecars_.find(index);
+  return found == sidecars_.end() ? FileStamp() : found->second;
 }
 
 std::optional<KnownPhotos::Index> KnownPhotos::FindPath(const std::string& path) const {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -42,6 +43,8 @@ class KnownPhotos {
   std::optional<Index> FindPath(const std::string& path) const;
   /// The photos of files with the same contents.
   std::vector<Index> FindContents(const PictureFacts& picture) const;
+  /// Of the XMP file that the last import read with the photo's; all 0 without one.
+  FileStamp SidecarOf(Index index) const;
   /// Facts of photos that the catalogue does not have.
   const std::vector<std::string>& Orphans() const { return orphans_; }
 
@@ -58,6 +61,7 @@ class KnownPhotos {
   void MakeTables();
 
   std::vector<Photo> photos_;  // by GUID
+  std::unordered_map<Index, FileStamp> sidecars_;
   HashTable by_path_;
   HashTable by_contents_;
   std::vector<std::string> orphans_;

@@ -7,11 +7,15 @@
 #include "tools/vdsto/library/folder_rows.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/library/photo_guid.h"
+#include "tools/vdsto/text/clock_time.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
 
 namespace vdsto {
 namespace {
+
+constexpr size_t kName = 32;
+constexpr size_t kLongName = 64;
 
 int Bounded(uint32_t size) {
   return static_cast<int>(std::min<uint32_t>(size, 0xFFFF));
@@ -32,10 +36,15 @@ void SetFile(const PictureFacts& facts, PHOTOINFO& photo) {
                          static_cast<DWORD>(facts.stamp.last_write >> 32));
 }
 
+/// The catalogue's texts are narrower than what programs write.
+std::string Cut(const std::string& text, size_t characters) {
+  return Trimmed(FirstCharacters(text, characters));
+}
+
 void SetExif(const ExifFacts& exif, PHOTOINFO& photo) {
   photo.SetExifVer(exif.version.c_str());
-  photo.SetExifMaker(exif.maker.c_str());
-  photo.SetExifModel(exif.model.c_str());
+  photo.SetExifMaker(Cut(exif.maker, kName).c_str());
+  photo.SetExifModel(Cut(exif.camera_model, kName).c_str());
   photo.SetExifExposure(exif.exposure.c_str());
   photo.SetExifFnumber(exif.f_number.c_str());
   photo.SetExifExposuerBias(exif.exposure_bias.c_str());
@@ -45,11 +54,14 @@ void SetExif(const ExifFacts& exif, PHOTOINFO& photo) {
   photo.SetExifRotate(exif.orientation);
   photo.SetExifMeteringMode(exif.metering_mode);
   photo.SetExifFlash(exif.flash);
-  photo.SetExifShootDate(exif.shoot_time);
+  photo.SetExifShootDate(TimeOfClock(exif.shot));
 }
 
 int32_t ShootTime(const PictureFacts& facts) {
-  return facts.exif.shoot_time != 0 ? facts.exif.shoot_time : UnixTimeOf(facts.stamp.last_write);
+  const int32_t shot = TimeOfClock(facts.exif.shot);
+  if (IsTime(shot)) return shot;
+  const int32_t last_write = UnixTimeOf(facts.stamp.last_write);
+  return last_write == 0 ? NoTime() : last_write;
 }
 
 /// A shooting time is the user's own when it is neither of the two that an import would have given.
@@ -65,10 +77,12 @@ void SetWhereEmpty(PHOTOINFO& photo, const char* (PHOTOINFO::*get)() const,
 
 /// Fields that stand in the catalogue for the user to correct. Before SetExif.
 void SetDescription(const ExifFacts& exif, PHOTOINFO& photo) {
-  if (FirstCharacters(photo.GetCameraModel(), 32) == photo.GetExifModel()) photo.SetCameraModel("");
-  SetWhereEmpty(photo, &PHOTOINFO::GetShooter, &PHOTOINFO::SetShooter, exif.shooter);
-  SetWhereEmpty(photo, &PHOTOINFO::GetCameraModel, &PHOTOINFO::SetCameraModel, exif.camera_model);
-  SetWhereEmpty(photo, &PHOTOINFO::GetCameraLens, &PHOTOINFO::SetCameraLens, exif.camera_lens);
+  if (Cut(photo.GetCameraModel(), kName) == photo.GetExifModel()) photo.SetCameraModel("");
+  SetWhereEmpty(photo, &PHOTOINFO::GetShooter, &PHOTOINFO::SetShooter, Cut(exif.shooter, kName));
+  SetWhereEmpty(photo, &PHOTOINFO::GetCameraModel, &PHOTOINFO::SetCameraModel,
+                Cut(exif.camera_model, kLongName));
+  SetWhereEmpty(photo, &PHOTOINFO::GetCameraLens, &PHOTOINFO::SetCameraLens,
+                Cut(exif.camera_lens, kLongName));
 }
 
 }  // namespace
@@ -89,6 +103,7 @@ PHOTOINFO NewPhotoRecord(const std::string& path, const PictureFacts& facts, uin
   photo.SetOPURL(LocationOf(path).c_str());
   photo.SetFolderID(folder);
   photo.SetRegDate(now);
+  photo.SetRating(facts.words.rating.value_or(0));
   RefreshPhotoRecord(facts, photo);
   return photo;
 }

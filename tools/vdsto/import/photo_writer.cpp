@@ -21,7 +21,8 @@ PhotoWriter::PhotoWriter(Library& library, ImageStore& images, FolderMirror& mir
       mirror_(mirror),
       places_(places),
       summary_(summary),
-      cameras_(library) {}
+      cameras_(library),
+      words_(library) {}
 
 void PhotoWriter::Write(const ImportJob& job, const PictureFacts& facts) {
   if (!facts.IsPicture()) {
@@ -36,6 +37,8 @@ void PhotoWriter::Write(const ImportJob& job, const PictureFacts& facts) {
 void PhotoWriter::Remember(const ImportJob& job, const PictureFacts& facts) {
   if (facts.state == PictureState::kBroken) summary_.broken.push_back({job.path, facts.problem});
   if (facts.state == PictureState::kDamaged) summary_.damaged.push_back({job.path, facts.problem});
+  if (!facts.sidecar_problem.empty())
+    summary_.unreadable.push_back({job.sidecar, facts.sidecar_problem});
   if (LocationOf(job.path).empty())
     summary_.long_paths.push_back({job.path, "found again by folder and name"});
 }
@@ -45,6 +48,7 @@ void PhotoWriter::Add(const ImportJob& job, const PictureFacts& facts) {
   const int32_t now = library_.Call([](auto& catalogue) { return catalogue.GetTime(); });
   const PHOTOINFO photo = NewPhotoRecord(job.path, facts, folder, now);
   StoreImage(photo, facts);
+  words_.CollectNew(photo.szGUID, facts.words);
   batch_.Add(photo);
   batch_paths_.push_back(job.path);
   Collect(photo.szGUID, job, facts);
@@ -64,6 +68,7 @@ void PhotoWriter::Update(const ImportJob& job, const PictureFacts& facts) {
   PHOTOINFO& photo = *found;
   const std::string old_key = ImageKeyOf(photo.GetLTBURL());
   RefreshPhotoRecord(facts, photo);
+  words_.CollectChanges(photo, facts.words);
   StoreImage(photo, facts);
   if (!Store(photo, job.path, false)) return;
   ++summary_.updated;
@@ -77,6 +82,7 @@ void PhotoWriter::Move(const ImportJob& job, const PictureFacts& facts, const Ph
   if (!photo) return Add(job, facts);
   Remember(job, facts);
   RefreshPhotoRecord(facts, *photo);
+  words_.CollectChanges(*photo, facts.words);
   SetWhereabouts(job, old.path, *photo);
   if (!images_.Has(ImageKeyOf(photo->GetLTBURL()))) StoreImage(*photo, facts);
   if (!Store(*photo, job.path, false)) return;
@@ -108,6 +114,7 @@ void PhotoWriter::StoreImage(const PHOTOINFO& photo, const PictureFacts& facts) 
 void PhotoWriter::Flush() {
   flush_time_ = Clock::time_point::max();
   FlushRows();
+  words_.Write();
   FlushFacts();
   cameras_.Write();
 }
@@ -144,6 +151,7 @@ void PhotoWriter::WriteOneByOne() {
       ++summary_.added;
       continue;
     }
+    words_.Forget(batch_[i].szGUID);
     std::erase_if(facts_, [&](const auto& facts) { return facts.guid == batch_[i].szGUID; });
     if (const std::string key = ImageKeyOf(batch_[i].GetLTBURL()); !key.empty())
       images_.Remove(key);

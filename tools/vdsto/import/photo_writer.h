@@ -7,6 +7,7 @@
 #include "tools/vdsto/import/folder_mirror.h"
 #include "tools/vdsto/import/import_places.h"
 #include "tools/vdsto/import/import_summary.h"
+#include "tools/vdsto/import/words_writer.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/library/library.h"
 #include "tools/vdsto/library/photo_facts.h"
@@ -18,7 +19,8 @@ namespace vdsto {
 struct ImportJob {
   std::string path;
   std::string import_root;
-  std::string known_guid;  ///< of its photo, when the catalogue has it
+  std::string known_guid;    ///< of its photo, when the catalogue has it
+  std::string sidecar = {};  ///< the XMP file beside it
 };
 
 /// Writes probed pictures into the catalogue: new ones in batches, changed ones one by one. A
@@ -59,6 +61,7 @@ class PhotoWriter {
   const ImportPlaces& places_;
   ImportSummary& summary_;
   CamerasMet cameras_;
+  WordsWriter words_;
   vdstomgr::PhotoArray batch_;
   std::vector<std::string> batch_paths_;
   std::vector<PhotoFacts> facts_;  // of what is in the batch, and of photos that were updated

@@ -14,7 +14,14 @@ PhotoFacts FactsOfPicture(const std::string& guid, const std::string& path,
   facts.maker = picture.exif.maker;
   facts.model = picture.exif.camera_model;
   facts.lens = picture.exif.camera_lens;
-  facts.date_source = picture.exif.shoot_time != 0 ? DateSource::kOriginal : DateSource::kFile;
+  facts.place = picture.place;
+  facts.date_source = picture.exif.shot_source;
+  const bool has_file_time = UnixTimeOf(picture.stamp.last_write) != 0;
+  if (picture.exif.shot.empty() && has_file_time) facts.date_source = DateSource::kFile;
+  facts.width = picture.width;
+  facts.height = picture.height;
+  facts.sidecar = picture.sidecar;
+  facts.words = picture.words;
   return facts;
 }
 

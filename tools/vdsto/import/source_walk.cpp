@@ -65,7 +65,9 @@ void SourceWalk::Sort(const std::string& path, Listing& listing) {
     unreadable_.push_back({path, ErrnoText()});
   } else if (S_ISREG(status.st_mode)) {
     listing.files.push_back({path, StampFrom(status)});
-  } else if (S_ISDIR(status.st_mode) && !LeadsBack(path)) {
+  } else if (!S_ISDIR(status.st_mode)) {
+    ++special_;
+  } else if (!LeadsBack(path)) {
     listing.folders.push_back(path);
   }
 }

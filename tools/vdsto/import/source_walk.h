@@ -37,6 +37,8 @@ class SourceWalk {
   bool Walk(const std::string& root);
 
   uint64_t Hidden() const { return hidden_; }
+  /// Devices, sockets and pipes.
+  uint64_t Special() const { return special_; }
   const std::vector<Remark>& Unreadable() const { return unreadable_; }
 
  private:
@@ -55,6 +57,7 @@ class SourceWalk {
   std::string root_;
   std::set<std::pair<uint64_t, uint64_t>> entered_;  // device and inode
   uint64_t hidden_ = 0;
+  uint64_t special_ = 0;
   std::vector<Remark> unreadable_;
 };
 

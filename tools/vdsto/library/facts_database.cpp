@@ -6,13 +6,14 @@
 #include <system_error>
 
 #include "tools/vdsto/library/database_password.h"
+#include "tools/vdsto/library/words_text.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/tool_error.h"
 
 namespace vdsto {
 namespace {
 
-constexpr int kVersion = 2;
+constexpr int kVersion = 3;
 constexpr int kWrongPassword = 3031;
 constexpr int kDamaged = 3049;
 constexpr int kNoDatabase = 3343;
@@ -26,14 +27,16 @@ constexpr std::array kTables{
     "nLastWriteHigh INTEGER, nLastWriteLow INTEGER, szMD5 CHAR(32), byteState BYTE, "
     "szProblem MEMO, dbLatitude DOUBLE, dbLongitude DOUBLE, dbAltitude DOUBLE, szMaker MEMO, "
     "szModel MEMO, szLens MEMO, byteDateSource BYTE, nPlace INTEGER, nGoneSince INTEGER, "
+    "nWidth INTEGER, nHeight INTEGER, szSidecar CHAR(40), szWords MEMO, "
     "CONSTRAINT PK_PhotoFacts PRIMARY KEY (szGUID))"};
 
 constexpr const char* kSelect =
     "SELECT szGUID, szPath, dbSize, nLastWriteHigh, nLastWriteLow, szMD5, byteState, szProblem, "
     "dbLatitude, dbLongitude, dbAltitude, szMaker, szModel, szLens, byteDateSource, nPlace, "
-    "nGoneSince FROM PhotoFacts";
+    "nGoneSince, nWidth, nHeight, szSidecar, szWords FROM PhotoFacts";
 constexpr const char* kSelectFiles =
-    "SELECT szGUID, szPath, dbSize, nLastWriteHigh, nLastWriteLow, szMD5, nPlace, nGoneSince "
+    "SELECT szGUID, szPath, dbSize, nLastWriteHigh, nLastWriteLow, szMD5, nPlace, nGoneSince, "
+    "szSidecar "
     "FROM PhotoFacts";
 
 std::optional<double> NumberIn(const COleVariant& value) {
@@ -90,6 +93,10 @@ PhotoFacts FactsIn(CDaoRecordset& rows) {
   facts.lens = columns.Text();
   facts.date_source = EnumIn(columns.Next(), DateSource::kFile);
   ReadWhereabouts(columns, facts);
+  facts.width = columns.Half();
+  facts.height = columns.Half();
+  facts.sidecar = StampFromText(columns.Text());
+  facts.words = WordsFromText(columns.Text());
   return facts;
 }
 
@@ -120,6 +127,10 @@ void AddRow(const PhotoFacts& facts, CDaoRecordset& rows) {
   rows.SetFieldValue("byteDateSource", COleVariant(static_cast<BYTE>(facts.date_source)));
   rows.SetFieldValue("nPlace", Variant(facts.place_id));
   rows.SetFieldValue("nGoneSince", COleVariant(facts.gone_since));
+  rows.SetFieldValue("nWidth", Variant(uint64_t{facts.width}));
+  rows.SetFieldValue("nHeight", Variant(uint64_t{facts.height}));
+  rows.SetFieldValue("szSidecar", TextOf(facts.sidecar).c_str());
+  rows.SetFieldValue("szWords", TextOf(facts.words).c_str());
   rows.Update();
 }
 
@@ -268,6 +279,7 @@ void FactsDatabase::ForEachFile(const std::function<void(const PhotoFacts&)>& us
       PhotoFacts facts;
       ReadFile(columns, facts);
       ReadWhereabouts(columns, facts);
+      facts.sidecar = StampFromText(columns.Text());
       use(facts);
     }
   });

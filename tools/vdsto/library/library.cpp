@@ -8,6 +8,7 @@
 
 #include "tools/vdsto/library/finished_file.h"
 #include "tools/vdsto/library/import_lock.h"
+#include "tools/vdsto/library/photo_texts.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
 #include "tools/vdsto/tool_error.h"
@@ -85,7 +86,8 @@ Library::Library(const LibraryOptions& options)
     : folder_(options.folder),
       path_(Joined(options.folder, kCatalogueName)),
       search_(catalogue_, Joined(options.folder, kSearchName), options.password),
-      facts_(Joined(options.folder, kFactsName), options.password) {
+      facts_(Joined(options.folder, kFactsName), options.password),
+      password_(options.password) {
   if (!Exists(path_)) {
     throw ToolError(ExitCode::kCannotOpen,
                     "no catalogue in " + options.folder +
@@ -98,7 +100,8 @@ Library::Library(const LibraryOptions& options, const ImportLock&)
     : folder_(options.folder),
       path_(Joined(options.folder, kCatalogueName)),
       search_(catalogue_, Joined(options.folder, kSearchName), options.password),
-      facts_(Joined(options.folder, kFactsName), options.password) {
+      facts_(Joined(options.folder, kFactsName), options.password),
+      password_(options.password) {
   if (!Exists(path_)) CreateCatalogue(options.folder, options.password);
   Open(options.password);
 }
@@ -134,6 +137,11 @@ vdstomgr::FolderArray Library::AllFolders() {
   vdstomgr::FolderArray folders;
   Call([&](auto& catalogue) { return catalogue.GetAllFolderList(folders); });
   return folders;
+}
+
+PhotoTexts& Library::TextsOfPhotos() {
+  if (!texts_) texts_ = std::make_unique<PhotoTexts>(*this, password_);
+  return *texts_;
 }
 
 std::optional<PHOTOINFO> Library::Photo(const std::string& guid) {

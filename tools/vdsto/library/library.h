@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -11,6 +12,7 @@
 namespace vdsto {
 
 class ImportLock;
+class PhotoTexts;
 
 /// Which library a command works on, and how it gets in.
 struct LibraryOptions {
@@ -63,6 +65,9 @@ class Library {
 
   /// What the catalogue has no columns for. One thread at a time.
   FactsDatabase& FactsOfPhotos() { return facts_; }
+  /// The titles and descriptions, over a connection of their own that is opened when it is first
+  /// asked for. Throws ToolError.
+  PhotoTexts& TextsOfPhotos();
 
   const std::string& CataloguePath() const { return path_; }
   const std::string& Folder() const { return folder_; }
@@ -77,6 +82,8 @@ class Library {
   CRkPhotoDBManager catalogue_;
   SearchCopy search_;
   FactsDatabase facts_;
+  std::string password_;
+  std::unique_ptr<PhotoTexts> texts_;
 };
 
 /// Sets the library up for this process: text as UTF-8, errors to whoever called. Before the first

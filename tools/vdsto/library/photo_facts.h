@@ -9,30 +9,10 @@
 
 namespace vdsto {
 
-/// Where a photo's date was found. The numbers stand in the file.
-enum class DateSource : uint8_t {
-  kNone = 0,
-  kOriginal = 1,   ///< when the picture was taken, says its camera
-  kDigitized = 2,  ///< when it was digitized
-  kDateTime = 3,   ///< when a program last changed it
-  kXmp = 4,
-  kIptc = 5,
-  kFile = 6,  ///< the file's last-write time: a guess
-};
-
 /// "original", "digitized" ...; empty for kNone.
 std::string_view NameOf(DateSource source);
 /// "good", "damaged", "broken".
 std::string_view NameOf(PictureState state);
-
-/// Where a picture was taken: degrees, north and east positive, and metres above the sea.
-struct Place {
-  std::optional<double> latitude;
-  std::optional<double> longitude;
-  std::optional<double> altitude;
-
-  bool operator==(const Place&) const = default;
-};
 
 /// What is known of a photo beside its row in the catalogue, which has no columns for it.
 struct PhotoFacts {
@@ -49,7 +29,11 @@ struct PhotoFacts {
   DateSource date_source = DateSource::kNone;
   uint32_t place_id = 0;  ///< of the ImportPlace that the original was last seen on; 0: not known
   int32_t gone_since =
-      0;  ///< when the original was first missed, seconds since 1970; 0: it is there
+      0;               ///< when the original was first missed, seconds since 1970; 0: it is there
+  uint32_t width = 0;  ///< stored pixels, also of a picture that cannot be shown
+  uint32_t height = 0;
+  FileStamp sidecar;   ///< of the XMP file beside the original; all 0 without one
+  PictureWords words;  ///< as the last import read them
 
   bool operator==(const PhotoFacts&) const = default;
 };

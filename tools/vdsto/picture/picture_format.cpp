@@ -126,6 +126,10 @@ std::string ExtensionOf(std::string_view file_name) {
                                                    : AsciiLower(file_name.substr(dot + 1));
 }
 
+bool IsRawExtension(std::string_view extension) {
+  return Contains(kRawExtensions, extension);
+}
+
 size_t WrappedJpegOffset(Bytes head) {
   return AsText(head).find("\xFF\xD8\xFF");
 }

@@ -30,6 +30,8 @@ PictureFormat DetectFormat(Bytes head, std::string_view file_name);
 
 /// "jpg" for "IMG_1.JPG": the extension in lower case, without the dot; empty when there is none.
 std::string ExtensionOf(std::string_view file_name);
+/// Is this, in lower case, an extension that only camera raw files have?
+bool IsRawExtension(std::string_view extension);
 
 /// Where the JPEG of a kWrappedJpeg starts.
 size_t WrappedJpegOffset(Bytes head);

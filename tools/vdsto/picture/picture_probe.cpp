@@ -1,9 +1,12 @@
 #include "tools/vdsto/picture/picture_probe.h"
 
+#include <algorithm>
+#include <system_error>
 #include <tuple>
 #include <utility>
 
 #include "tools/vdsto/picture/picture_decoder.h"
+#include "tools/vdsto/picture/size_limits.h"
 
 namespace vdsto {
 namespace {
@@ -83,6 +86,21 @@ std::pair<PictureState, std::string> Judge(const DecodedPicture& decoded,
           decoded.width ? name + " data cannot be decoded" : "not a valid " + name + " file"};
 }
 
+std::string ReadSidecar(const std::string& path, PictureFacts& facts) {
+  if (path.empty()) return {};
+  try {
+    const SourceFile file(path);
+    facts.sidecar = file.Stamp();
+    std::string packet(std::min<uint64_t>(file.Stamp().size, kMostMetadata), '\0');
+    packet.resize(file.ReadAt(std::as_writable_bytes(std::span(packet)), 0));
+    if (file.Stamp().size <= kMostMetadata) return packet;
+    facts.sidecar_problem = "larger than any real sidecar";
+  } catch (const std::system_error& error) {
+    facts.sidecar_problem = error.code().message();
+  }
+  return {};
+}
+
 }  // namespace
 
 void InitialiseProbing() {
@@ -90,7 +108,7 @@ void InitialiseProbing() {
   InitialiseMetadata();
 }
 
-PictureFacts ProbePicture(const std::string& path) {
+PictureFacts ProbePicture(const std::string& path, const std::string& sidecar) {
   SourceFile file(path);
   PictureFacts facts;
   facts.stamp = file.Stamp();
@@ -99,10 +117,16 @@ PictureFacts ProbePicture(const std::string& path) {
   file.ReadAll();
   facts.md5 = file.Md5();
   const PictureData data = DataOf(file, facts.format);
-  PictureMetadata metadata = ReadMetadata(data);
-  DecodedPicture decoded = Decode(data, facts.format, metadata.exif.orientation);
+  const bool is_safe = IsSafeToRead(file, facts.format);
+  const bool has_sane_xmp = is_safe && HasSaneXmp(data.bytes, facts.format);
+  PictureMetadata metadata =
+      ReadMetadata(has_sane_xmp ? data : PictureData(), ReadSidecar(sidecar, facts));
+  DecodedPicture decoded;
+  if (is_safe) decoded = Decode(data, facts.format, metadata.exif.orientation);
   SetSize(metadata, decoded, facts);
   facts.exif = std::move(metadata.exif);
+  facts.place = metadata.place;
+  facts.words = std::move(metadata.words);
   std::tie(facts.state, facts.problem) = Judge(decoded, facts);
   facts.thumbnail = std::move(decoded.thumbnail);
   return facts;

@@ -47,9 +47,8 @@ class Md5Digest {
 int32_t UnixTimeOf(uint64_t last_write) {
   const auto seconds = static_cast<int64_t>(last_write / kTicksPerSecond) -
                        static_cast<int64_t>(kSecondsFrom1601To1970);
-  return seconds > 0 && seconds <= std::numeric_limits<int32_t>::max()
-             ? static_cast<int32_t>(seconds)
-             : 0;
+  using Limits = std::numeric_limits<int32_t>;
+  return seconds < Limits::min() || seconds > Limits::max() ? 0 : static_cast<int32_t>(seconds);
 }
 
 FileStamp StampFrom(const struct stat& status) {

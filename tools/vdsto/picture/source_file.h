@@ -20,7 +20,8 @@ struct FileStamp {
   bool operator==(const FileStamp&) const = default;
 };
 
-/// Seconds since 1970 of a FILETIME, as the catalogue's dates hold them; 0 when they cannot.
+/// Seconds since 1970 of a FILETIME, as the catalogue's dates hold them; 0 when they cannot, and
+/// for 1970 itself, which archives give to files without a time.
 int32_t UnixTimeOf(uint64_t last_write);
 
 /// A picture file opened for probing. Files up to kLargestInMemory are read once, into memory;
@@ -51,8 +52,10 @@ class SourceFile {
   /// MD5 of the whole contents as 32 lower-case hex digits, after ReadAll.
   const std::string& Md5() const { return md5_; }
 
- private:
+  /// The number of bytes that were there to be read. Throws std::system_error on a read error.
   size_t ReadAt(std::span<std::byte> into, uint64_t offset) const;
+
+ private:
   void DigestInPieces();
 
   std::string path_;

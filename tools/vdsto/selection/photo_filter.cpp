@@ -5,6 +5,7 @@
 #include <limits>
 #include <string_view>
 
+#include "tools/vdsto/text/clock_time.h"
 #include "tools/vdsto/text/text.h"
 #include "tools/vdsto/tool_error.h"
 
@@ -88,7 +89,7 @@ bool PhotoFilter::PassesFolder(uint32_t folder) const {
 }
 
 bool PhotoFilter::Passes(const PHOTOINFO& photo) const {
-  const int32_t time = photo.ShootDate != 0 ? photo.ShootDate : photo.RegDate;
+  const int32_t time = IsTime(photo.ShootDate) ? photo.ShootDate : photo.RegDate;
   return PassesFolder(photo.dwFolderID) && time >= since_ && time < until_ &&
          photo.byteRating >= rating_ &&
          AsciiLower(photo.GetCameraModel()).find(camera_) != std::string::npos;

@@ -12,7 +12,6 @@ namespace vdsto {
 namespace {
 
 constexpr size_t kNameCharacters = 64;
-constexpr uint32_t kNoTag = 0xFFFFFFFF;
 constexpr const char* kAdvice = "vdsto tag ls shows all tags";
 
 vdstomgr::TagArray AllTags(Library& library) {
@@ -37,20 +36,6 @@ std::string NewTagName(const std::string& text) {
   throw ToolError(ExitCode::kUsage, "a comma cannot be in the name of a tag: it separates tags");
 }
 
-std::optional<TAGINFO> FindTag(Library& library, const std::string& name) {
-  for (const std::string& form : {name, Trimmed(Composed(name))}) {
-    const auto tag = library.Call([&](auto& catalogue) {
-      TAGINFO info;
-      info.dwTagID = catalogue.GetTagID(form.c_str());
-      const CString known = catalogue.GetTagName(info.dwTagID);
-      known.Str().copy(info.szTagName, sizeof info.szTagName - 1);
-      return info;
-    });
-    if (tag.dwTagID != kNoTag) return tag;
-  }
-  return std::nullopt;
-}
-
 TAGINFO TagNamed(Library& library, const std::string& name) {
   if (const auto tag = FindTag(library, name)) return *tag;
   throw NotInCatalogue("tag", {name}, kAdvice);
@@ -70,21 +55,6 @@ std::vector<TAGINFO> SelectTags(Library& library, const WordList& words) {
     return !found.empty();
   });
   return tags;
-}
-
-uint32_t MakeTag(Library& library, const std::string& name) {
-  DWORD id = library.Call([](auto& catalogue) { return catalogue.GetNewTagID(); });
-  while (!PhotosWithTag(library, id).IsEmpty()) ++id;  // of a tag that was deleted without them
-  if (library.Call([&](auto& catalogue) { return catalogue.AddTagInfo(name.c_str(), id); }))
-    return id;
-  throw ToolError(ExitCode::kCatalogue,
-                  "the tag " + Printable(name) + " was not made: another program did, try again");
-}
-
-CStringArray PhotosWithTag(Library& library, uint32_t tag) {
-  CStringArray guids;
-  library.Call([&](auto& catalogue) { return catalogue.GetPhotoListWithTag(tag, guids); });
-  return guids;
 }
 
 TagsOfPhotos::TagsOfPhotos(Library& library) : library_(library), all_(AllTags(library)) {}

@@ -1,10 +1,10 @@
 #pragma once
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "tools/vdsto/library/library.h"
+#include "tools/vdsto/library/tag_rows.h"
 #include "tools/vdsto/selection/word_list.h"
 
 /// Tags as users name them. Case and blanks at the ends do not count.
@@ -14,18 +14,11 @@ namespace vdsto {
 /// empty, too long, or has a comma, which separates tags wherever a host lists them.
 std::string NewTagName(const std::string& text);
 
-std::optional<TAGINFO> FindTag(Library& library, const std::string& name);
 /// Throws ToolError when there is none.
 TAGINFO TagNamed(Library& library, const std::string& name);
 /// Those that a command line names, also by patterns, each once. Throws ToolError when some words
 /// are no tags.
 std::vector<TAGINFO> SelectTags(Library& library, const WordList& words);
-
-/// Makes a tag; its id is one that no photo carries. Throws ToolError.
-uint32_t MakeTag(Library& library, const std::string& name);
-
-/// The GUIDs of the photos that carry a tag.
-CStringArray PhotosWithTag(Library& library, uint32_t tag);
 
 /// The tags of one photo after the other.
 class TagsOfPhotos {

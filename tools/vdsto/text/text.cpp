@@ -10,6 +10,8 @@
 #include <ctime>
 #include <memory>
 
+#include "tools/vdsto/text/clock_time.h"
+
 namespace vdsto {
 namespace {
 
@@ -42,9 +44,10 @@ std::string WellFormed(std::string_view text) {
   return result;
 }
 
-std::string FromKorean949(std::string_view bytes) {
-  const iconv_t converter = iconv_open("UTF-8", "CP949");
-  if (converter == iconv_t(-1)) return std::string(bytes);
+/// Empty when the bytes are no text of that character set.
+std::string Converted(std::string_view bytes, const char* from_set) {
+  const iconv_t converter = iconv_open("UTF-8", from_set);
+  if (converter == iconv_t(-1)) return {};
   std::string input(bytes);
   std::string output(bytes.size() * 3, '\0');
   char* from = input.data();
@@ -53,9 +56,14 @@ std::string FromKorean949(std::string_view bytes) {
   size_t to_left = output.size();
   const bool converted = iconv(converter, &from, &from_left, &to, &to_left) != size_t(-1);
   iconv_close(converter);
-  if (!converted) return input;
+  if (!converted) return {};
   output.resize(output.size() - to_left);
   return output;
+}
+
+std::string FromOldCodePage(std::string_view bytes) {
+  const std::string korean = Converted(bytes, "CP949");
+  return korean.empty() ? Converted(bytes, "ISO-8859-1") : korean;
 }
 
 }  // namespace
@@ -81,7 +89,7 @@ std::string Composed(std::string_view text) {
 
 std::string DecodedText(std::string_view bytes) {
   bytes = bytes.substr(0, bytes.find('\0'));
-  return Trimmed(Composed(IsUtf8(bytes) ? std::string(bytes) : FromKorean949(bytes)));
+  return Trimmed(Composed(IsUtf8(bytes) ? std::string(bytes) : FromOldCodePage(bytes)));
 }
 
 std::string Trimmed(std::string_view text) {
@@ -171,7 +179,7 @@ std::string HumanSize(unsigned long long bytes) {
 }
 
 std::string TimeText(int32_t time) {
-  if (time == 0) return {};
+  if (!IsTime(time)) return {};
   const std::time_t seconds = time;
   std::tm local{};
   localtime_r(&seconds, &local);

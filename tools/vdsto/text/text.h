@@ -16,7 +16,7 @@ bool IsUtf8(std::string_view text);
 std::string Composed(std::string_view text);
 
 /// Text that an unknown program wrote into a file, as UTF-8: taken as UTF-8 when it is well-formed,
-/// else as code page 949. Ends at the first zero byte; composed and trimmed.
+/// else as code page 949, else as Latin-1. Ends at the first zero byte; composed and trimmed.
 std::string DecodedText(std::string_view bytes);
 
 /// `text` without blanks, control characters and zero bytes at either end, as cameras pad their
@@ -47,7 +47,7 @@ std::string AsciiLower(std::string_view text);
 /// "1.4 MB": a byte count in the largest unit that leaves at least one whole digit.
 std::string HumanSize(unsigned long long bytes);
 
-/// "2004-06-29 15:29:33" in local time, of seconds since 1970; empty for 0.
+/// "2004-06-29 15:29:33" in local time, of seconds since 1970; empty for no time.
 std::string TimeText(int32_t time);
 
 /// "a, b and more": the first `most` of the names.
