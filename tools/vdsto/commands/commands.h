@@ -23,6 +23,7 @@ void AddFlag(CommandGroup& tool);
 void AddCamera(CommandGroup& tool);
 void AddUpload(CommandGroup& tool);
 void AddSync(CommandGroup& tool);
+void AddSyncList(CommandGroup& tool);
 void AddNotify(CommandGroup& tool);
 void AddStat(CommandGroup& tool);
 void AddStore(CommandGroup& tool);
@@ -33,7 +34,8 @@ void AddFolder(CommandGroup& tool);
 void AddRoom(CommandGroup& tool);
 void AddAlbum(CommandGroup& tool);
 void AddReset(CommandGroup& tool);
-/// `vdsto upload run`, for the group `upload`.
+/// `vdsto upload add` and `vdsto upload run`, for the group `upload`.
+void AddUploadAdd(CommandGroup& upload);
 void AddUploadRun(CommandGroup& upload);
 
 }  // namespace vdsto
