@@ -133,6 +133,14 @@ vdstomgr::FolderArray Library::AllFolders() {
   return folders;
 }
 
+void Library::ForEachPhoto(const std::function<void(const PHOTOINFO&)>& use) {
+  vdstomgr::CountArray folders;
+  Call([&](auto& catalogue) { return catalogue.GetPhotoCountInFolders(folders); });
+  for (const COUNTINFOLDER& folder : folders) {
+    for (const PHOTOINFO& photo : PhotosIn(folder.dwFolderID)) use(photo);
+  }
+}
+
 std::optional<PHOTOINFO> Library::Photo(const std::string& guid) {
   PHOTOINFO photo;
   const bool is_there =
