@@ -161,6 +161,57 @@ TEST_F(SubstringTest, AHundredThousandPairsAreFoundAsByLooking) {
   }
 }
 
+/// Names of many heads: a word is in all of some, in few of others, or in none.
+class OrderTest : public SearchTest {
+ protected:
+  void Add(const std::vector<std::u32string>& names) {
+    PhotoArray photos;
+    for (const std::u32string& name : names) {
+      names_.push_back(Utf8(name));
+      photos.Add(Photo("g" + std::to_string(names_.size()), names_.back()));
+    }
+    EXPECT_TRUE(search_.AddPhotoInfo(photos));
+  }
+  /// The order of these bytes is the text order.
+  std::string Expected(const std::vector<std::string>& words, int most) {
+    CStringArray found;
+    std::ranges::sort(names_);
+    for (const std::string& name : names_)
+      if (found.GetSize() < most && std::ranges::all_of(words, [&](const std::string& word) {
+            return name.find(word) != name.npos;
+          }))
+        found.Add(name.c_str());
+    return Listed(found);
+  }
+  void Compare() {
+    for (const int most : {1, 100, 100'000}) {
+      for (const char* word : {"제주", "어디나", "하나뿐", "디나", "없다", "z"})
+        EXPECT_EQ(Found(word, most), Expected({word}, most)) << word << most;
+      EXPECT_EQ(Found("하나뿐 제주", most), Expected({"하나뿐", "제주"}, most)) << most;
+    }
+  }
+
+  std::vector<std::string> names_;
+};
+
+TEST_F(OrderTest, WordsAreFoundInTheOrderOfTexts) {
+  std::mt19937 random(7);
+  std::vector<std::u32string> names;
+  for (const char32_t head : U"2dgx가각나다라마바사아자찬차카타파하\xFF21") {
+    for (char32_t i = 0; head != 0 && i < 250; ++i) {
+      std::u32string name = {head, U"갸냐댜랴먀"[random() % 5], U'거' + i};
+      if (random() % 50 == 0) name += U"어디나";
+      if (head > U'사' ? random() % 3 == 0 : head == U'x' && i == 9) name += U"제주";
+      if (head == U'각' || head == U'마' || random() % 300 == 0) name += U"하나뿐";
+      names.push_back(name + U'z');
+    }
+  }
+  Add(names);
+  Compare();
+  Add({U"d제주z", U"가제주 하나뿐", U"힣제주"});  // too few for the index
+  Compare();
+}
+
 class IndexTest : public SearchTest {
  protected:
   /// Names of which "needle" is so rare that the index finds it.

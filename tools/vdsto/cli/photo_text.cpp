@@ -2,6 +2,7 @@
 
 #include "tools/vdsto/library/folder_rows.h"
 #include "tools/vdsto/picture/source_file.h"
+#include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
 
 namespace vdsto {
@@ -39,6 +40,14 @@ Json ExifAsJson(const PHOTOINFO& photo) {
           {"flash", photo.ExifFlash}};
 }
 
+Json PlaceAsJson(const Place& place) {
+  const auto known = [](const auto& number) { return number ? Json(*number) : Json(); };
+  if (place == Place()) return {};
+  return {{"latitude", known(place.latitude)},
+          {"longitude", known(place.longitude)},
+          {"altitude", known(place.altitude)}};
+}
+
 }  // namespace
 
 std::string LastWriteText(const PHOTOINFO& photo) {
@@ -73,6 +82,19 @@ Json PhotoAsJson(const PHOTOINFO& photo, const std::string& folder) {
           {"rating", photo.byteRating},
           {"flags", photo.byteFlag},
           {"exif", ExifAsJson(photo)}};
+}
+
+void AddPhotoFacts(const std::optional<PhotoFacts>& known, Facts& facts) {
+  if (!known) return;
+  facts.Add("original_path", TextOrNull(UnlimitedLocationOf(known->path)))
+      .Add("original_gone_since", TimeFact(known->gone_since))
+      .Add("date_source", TextOrNull(std::string(NameOf(known->date_source))))
+      .Add("place", PlaceAsJson(known->place))
+      .Add("camera", Json{{"maker", TextOrNull(known->maker)},
+                          {"model", TextOrNull(known->model)},
+                          {"lens", TextOrNull(known->lens)}})
+      .Add("picture", Json{{"state", std::string(NameOf(known->state))},
+                           {"problem", TextOrNull(known->problem)}});
 }
 
 Fact TagsFact(const std::vector<TAGINFO>& tags) {

@@ -1,8 +1,10 @@
 #pragma once
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "tools/vdsto/cli/answer.h"
+#include "tools/vdsto/library/photo_facts.h"
 #include "vdstomgr/vdstomgr.h"
 
 /// Photos as text, for people and for programs.
@@ -18,6 +20,9 @@ bool CanBeShown(const PHOTOINFO& photo);
 /// Every field under a stable key. `folder` is the photo's catalogue path. What is not known is
 /// null.
 Json PhotoAsJson(const PHOTOINFO& photo, const std::string& folder);
+
+/// What is known beside the row, under a key each; nothing when there are no facts.
+void AddPhotoFacts(const std::optional<PhotoFacts>& known, Facts& facts);
 
 /// The names of tags: a list for programs, "바다, 여행" for people.
 Fact TagsFact(const std::vector<TAGINFO>& tags);

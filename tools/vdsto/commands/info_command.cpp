@@ -29,6 +29,7 @@ struct Info {
       if (key == "name")
         AddWords(texts.Of(info.szGUID), TagsOfPhotos(library).Of(info.szGUID), facts);
     }
+    AddPhotoFacts(library.FactsOfPhotos().Of(info.szGUID), facts);
     return invocation.Write(facts);
   }
 

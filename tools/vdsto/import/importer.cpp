@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <system_error>
 #include <thread>
+#include <unordered_set>
 #include <variant>
 
 #include "tools/vdsto/import/bounded_queue.h"
@@ -66,6 +67,8 @@ class Import {
           return QueueChanged(root, folder, files);
         }) {
     images_.Open();
+    library.FactsOfPhotos().Prepare();
+    library.FactsOfPhotos().ForEach([&](const auto& facts) { with_facts_.insert(facts.guid); });
   }
 
   ImportSummary Run(const ImportRoots& roots) {
@@ -122,7 +125,8 @@ class Import {
 
   bool IsUpToDate(const KnownFile& known, const SourceEntry& file) {
     return known.stamp == file.stamp && !known.shows_original &&
-           (known.image_key.empty() || images_.Has(known.image_key));
+           (known.image_key.empty() || images_.Has(known.image_key)) &&
+           with_facts_.contains(known.guid);
   }
 
   std::vector<std::jthread> StartProbers() {
@@ -186,6 +190,7 @@ class Import {
 
   ImageStore images_;
   FolderMirror mirror_;
+  std::unordered_set<std::string> with_facts_;
   MovedPhotos moved_;  // the walker's, until it ends
   ImportSummary summary_;
   PhotoWriter writer_;

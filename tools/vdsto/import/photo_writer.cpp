@@ -1,13 +1,14 @@
 #include "tools/vdsto/import/photo_writer.h"
 
 #include "tools/vdsto/import/photo_record.h"
+#include "tools/vdsto/import/probed_facts.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/tool_error.h"
 
 namespace vdsto {
 namespace {
 
-constexpr int kBatchRows = 256;
+constexpr size_t kBatchRows = 256;
 constexpr std::chrono::milliseconds kBatchAge{500};
 
 }  // namespace
@@ -38,10 +39,15 @@ void PhotoWriter::Add(const ImportJob& job, const PictureFacts& facts) {
   const int32_t now = library_.Call([](auto& catalogue) { return catalogue.GetTime(); });
   const PHOTOINFO photo = NewPhotoRecord(job.path, facts, folder, now);
   StoreImage(photo, facts);
-  if (batch_.IsEmpty()) flush_time_ = Clock::now() + kBatchAge;
   batch_.Add(photo);
   batch_paths_.push_back(job.path);
-  if (batch_.GetSize() >= kBatchRows) Flush();
+  Collect(FactsOfPicture(photo.szGUID, job.path, facts));
+}
+
+void PhotoWriter::Collect(PhotoFacts facts) {
+  if (facts_.empty()) flush_time_ = Clock::now() + kBatchAge;
+  facts_.push_back(std::move(facts));
+  if (facts_.size() >= kBatchRows) Flush();
 }
 
 void PhotoWriter::Update(const ImportJob& job, const PictureFacts& facts) {
@@ -53,6 +59,7 @@ void PhotoWriter::Update(const ImportJob& job, const PictureFacts& facts) {
   StoreImage(photo, facts);
   if (!Store(photo, job.path, false)) return;
   ++summary_.updated;
+  Collect(FactsOfPicture(photo.szGUID, job.path, facts));
   if (!old_key.empty() && old_key != ImageKeyOf(photo.GetLTBURL())) images_.Remove(old_key);
 }
 
@@ -68,12 +75,18 @@ void PhotoWriter::StoreImage(const PHOTOINFO& photo, const PictureFacts& facts) 
 }
 
 void PhotoWriter::Flush() {
+  flush_time_ = Clock::time_point::max();
   FlushRows();
+  FlushFacts();
   cameras_.Write();
 }
 
+void PhotoWriter::FlushFacts() {
+  if (!facts_.empty()) library_.FactsOfPhotos().Put(facts_);
+  facts_.clear();
+}
+
 void PhotoWriter::FlushRows() {
-  flush_time_ = Clock::time_point::max();
   if (batch_.IsEmpty()) return;
   if (StoreBatch()) {
     summary_.added += batch_paths_.size();
@@ -98,9 +111,11 @@ void PhotoWriter::WriteOneByOne() {
   for (int i = 0; i < batch_.GetSize(); ++i) {
     if (Store(batch_[i], batch_paths_[static_cast<size_t>(i)], true)) {
       ++summary_.added;
-    } else if (const std::string key = ImageKeyOf(batch_[i].GetLTBURL()); !key.empty()) {
-      images_.Remove(key);
+      continue;
     }
+    std::erase_if(facts_, [&](const auto& facts) { return facts.guid == batch_[i].szGUID; });
+    if (const std::string key = ImageKeyOf(batch_[i].GetLTBURL()); !key.empty())
+      images_.Remove(key);
   }
 }
 

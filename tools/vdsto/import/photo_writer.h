@@ -8,6 +8,7 @@
 #include "tools/vdsto/import/import_summary.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/library/library.h"
+#include "tools/vdsto/library/photo_facts.h"
 #include "tools/vdsto/picture/picture_probe.h"
 
 namespace vdsto {
@@ -20,7 +21,8 @@ struct ImportJob {
 };
 
 /// Writes probed pictures into the catalogue: new ones in batches, changed ones one by one. A
-/// picture's thumbnail is in the store before the row that names it.
+/// picture's thumbnail is in the store before the row that names it, and its facts come after the
+/// row.
 class PhotoWriter {
  public:
   using Clock = std::chrono::steady_clock;
@@ -39,7 +41,9 @@ class PhotoWriter {
   void Update(const ImportJob& job, const PictureFacts& facts);
   void StoreImage(const PHOTOINFO& photo, const PictureFacts& facts);
   void Remember(const ImportJob& job, const PictureFacts& facts);
+  void Collect(PhotoFacts facts);
   void FlushRows();
+  void FlushFacts();
   bool StoreBatch();
   void WriteOneByOne();
   bool Store(const PHOTOINFO& photo, const std::string& path, bool is_new);
@@ -51,6 +55,7 @@ class PhotoWriter {
   CamerasMet cameras_;
   vdstomgr::PhotoArray batch_;
   std::vector<std::string> batch_paths_;
+  std::vector<PhotoFacts> facts_;  // of what is in the batch, and of photos that were updated
   Clock::time_point flush_time_ = Clock::time_point::max();
 };
 

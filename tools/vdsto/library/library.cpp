@@ -17,6 +17,7 @@ namespace {
 
 constexpr const char* kCatalogueName = "catalogue.vdb";
 constexpr const char* kSearchName = "search.vdb";
+constexpr const char* kFactsName = "facts.vdb";
 constexpr const char* kUnfinishedName = "catalogue.vdb.new";
 constexpr int kWrongPassword = 3031;
 /// Null keys and fields, too long texts, too large numbers, texts that are no numbers.
@@ -83,7 +84,8 @@ std::string DefaultLibraryFolder() {
 Library::Library(const LibraryOptions& options)
     : folder_(options.folder),
       path_(Joined(options.folder, kCatalogueName)),
-      search_(catalogue_, Joined(options.folder, kSearchName), options.password) {
+      search_(catalogue_, Joined(options.folder, kSearchName), options.password),
+      facts_(Joined(options.folder, kFactsName), options.password) {
   if (!Exists(path_)) {
     throw ToolError(ExitCode::kCannotOpen,
                     "no catalogue in " + options.folder +
@@ -95,7 +97,8 @@ Library::Library(const LibraryOptions& options)
 Library::Library(const LibraryOptions& options, const ImportLock&)
     : folder_(options.folder),
       path_(Joined(options.folder, kCatalogueName)),
-      search_(catalogue_, Joined(options.folder, kSearchName), options.password) {
+      search_(catalogue_, Joined(options.folder, kSearchName), options.password),
+      facts_(Joined(options.folder, kFactsName), options.password) {
   if (!Exists(path_)) CreateCatalogue(options.folder, options.password);
   Open(options.password);
 }

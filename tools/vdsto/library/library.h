@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "tools/vdsto/library/facts_database.h"
 #include "tools/vdsto/library/search_copy.h"
 #include "vdstomgr/vdstomgr.h"
 
@@ -63,6 +64,9 @@ class Library {
   /// Nothing when there is no such photo.
   std::optional<PHOTOINFO> Photo(const std::string& guid);
 
+  /// What the catalogue has no columns for. One thread at a time.
+  FactsDatabase& FactsOfPhotos() { return facts_; }
+
   const std::string& CataloguePath() const { return path_; }
   const std::string& Folder() const { return folder_; }
 
@@ -75,6 +79,7 @@ class Library {
   std::string path_;
   CRkPhotoDBManager catalogue_;
   SearchCopy search_;
+  FactsDatabase facts_;
 };
 
 /// Sets the library up for this process: text as UTF-8, errors to whoever called. Before the first

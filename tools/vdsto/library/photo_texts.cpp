@@ -1,32 +1,10 @@
 #include "tools/vdsto/library/photo_texts.h"
 
-#include "tools/vdsto/text/text.h"
+#include "tools/vdsto/library/database_password.h"
 #include "tools/vdsto/tool_error.h"
 
 namespace vdsto {
 namespace {
-
-constexpr int kWrongPassword = 3031;
-constexpr size_t kPasswordPlaces = 20;
-
-size_t KoreanPlaces(char32_t character) {
-  return character < 0x80 ? 1 : 2;
-}
-
-size_t Bytes(char32_t character) {
-  return character < 0x80 ? 1 : character < 0x800 ? 2 : character < 0x10000 ? 3 : 4;
-}
-
-/// The start of a password that counts.
-std::string Cut(const std::string& password, size_t (*places_of)(char32_t)) {
-  size_t places = 0, characters = 0;
-  for (const char32_t character : CodePoints(password)) {
-    places += places_of(character);
-    if (places > kPasswordPlaces) break;
-    ++characters;
-  }
-  return FirstCharacters(password, characters);
-}
 
 template <class Step>
 auto Reporting(ExitCode code, Step step) {
@@ -40,18 +18,8 @@ auto Reporting(ExitCode code, Step step) {
 }  // namespace
 
 PhotoTexts::PhotoTexts(const Library& library, const std::string& password) {
-  const auto open = [&](auto places_of) {
-    const std::string connect = ";PWD=" + Cut(password, places_of);
-    database_.Open(library.CataloguePath().c_str(), false, true, connect.c_str());
-  };
-  Reporting(ExitCode::kCannotOpen, [&] {
-    try {
-      open(&KoreanPlaces);
-    } catch (const CDaoException& error) {
-      if (error.Code() != kWrongPassword) throw;
-      open(&Bytes);  // of a file made when bytes counted
-    }
-  });
+  Reporting(ExitCode::kCannotOpen,
+            [&] { OpenUnderPassword(database_, library.CataloguePath(), password); });
 }
 
 PhotoTexts::Texts PhotoTexts::Of(const std::string& guid) {

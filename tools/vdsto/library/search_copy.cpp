@@ -18,9 +18,10 @@ SearchCopy::SearchCopy(CRkPhotoDBManager& catalogue, std::string path, std::stri
   database_.SetDAOCriticalSection(catalogue.GetDAOCriticalSection());
 }
 
+/// An empty file is what a killed program leaves of a new one.
 bool SearchCopy::Open() {
-  std::error_code ignored;
-  if (!is_open_ && std::filesystem::exists(path_, ignored))
+  std::error_code error;
+  if (!is_open_ && std::filesystem::file_size(path_, error) > 0 && !error)
     is_open_ = database_.OpenDB(path_.c_str(), password_.c_str());
   return is_open_;
 }

@@ -47,8 +47,12 @@ std::string PercentDecoded(std::string_view text) {
 
 }  // namespace
 
+std::string UnlimitedLocationOf(std::string_view path) {
+  return IsUtf8(path) ? std::string(path) : PercentEncoded(path);
+}
+
 std::string LocationOf(std::string_view path) {
-  std::string location = IsUtf8(path) ? std::string(path) : PercentEncoded(path);
+  std::string location = UnlimitedLocationOf(path);
   return CharacterCount(location) <= kColumnWidth ? location : std::string();
 }
 

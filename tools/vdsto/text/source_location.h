@@ -10,6 +10,9 @@ namespace vdsto {
 /// catalogue's column.
 std::string LocationOf(std::string_view path);
 
+/// The same, of any length.
+std::string UnlimitedLocationOf(std::string_view path);
+
 /// The inverse of LocationOf: the path's bytes. A text that names no local file comes back empty.
 std::string PathOf(std::string_view location);
 

@@ -5,7 +5,25 @@ namespace {
 
 constexpr char kInitialsMark = '\xFF';  // begins no character
 
+constexpr char32_t kLastBeforeSurrogates = 0xD7FF, kFirstAfterSurrogates = 0xE000;
+constexpr char32_t kFirstInvalidByte = 0x80;
+
 }  // namespace
+
+std::string FirstTextOf(char32_t head) {
+  std::string text;
+  if (head < kFirstInvalid) {
+    AppendCharacter(head, text);
+  } else {
+    text += static_cast<char>(head - kFirstInvalid);
+  }
+  return text;
+}
+
+char32_t HeadAfter(char32_t head) {
+  if (head == kLastBeforeSurrogates) return kFirstAfterSurrogates;
+  return head + 1 == kFirstInvalid ? kFirstInvalid + kFirstInvalidByte : head + 1;
+}
 
 GramTerm& GramTerm::Pair(char32_t first, char32_t second) {
   size_ = 0;
@@ -31,6 +49,11 @@ GramTerm& GramTerm::Initials(char32_t first, char32_t second) {
   bytes_[size_++] = kInitialsMark;
   Put(first);
   Put(second);
+  return *this;
+}
+
+GramTerm& GramTerm::Under(char32_t head) {
+  Put(head);
   return *this;
 }
 

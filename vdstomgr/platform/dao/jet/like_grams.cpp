@@ -38,8 +38,8 @@ std::vector<Gram> LikePattern::RequiredGrams(std::size_t most) const {
   std::vector<GramPart> parts(elements_.size() + 2);
   std::transform(elements_.begin(), elements_.end(), parts.begin(), PartOf);
   std::vector<Gram> grams, starts;
-  const auto add = [&](const GramTerm& term, bool is_start = false) {
-    Gram gram{std::string(term.View()), is_start};
+  const auto add = [&](const GramTerm& term, bool is_start = false, bool has_head = false) {
+    Gram gram{std::string(term.View()), is_start, has_head};
     if (CanBeAskedFor(gram.term)) (is_start ? starts : grams).push_back(std::move(gram));
   };
   bool is_paired = false;  // with the part before
@@ -51,7 +51,7 @@ std::vector<Gram> LikePattern::RequiredGrams(std::size_t most) const {
     if (one && two && IsAsciiCharacter(*one) && IsAsciiCharacter(*two)) {
       three ? add(GramTerm().Triple(*one, *two, *three)) : add(GramTerm().Pair(*one, *two), true);
     } else if (one && two) {
-      add(GramTerm().Pair(*one, *two));
+      add(GramTerm().Pair(*one, *two), false, HasHead(*one, *two));
     } else if (one_initial && two_initial &&
                (IsConsonant(*one_initial) || IsConsonant(*two_initial))) {
       add(GramTerm().Initials(*one_initial, *two_initial));

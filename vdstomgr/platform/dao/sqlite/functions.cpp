@@ -76,9 +76,14 @@ void Like(Context* context, int, Argument** arguments) {
   });
 }
 
-// vdsto_search(search, text): the LIKE tests of a query on a column with a text index.
+// vdsto_search(search, text): the LIKE tests of a query on a column with a text index. The engine
+// keeps the search from row to row, since asking a value for its pointer compares names.
 void Search(Context* context, int, Argument** arguments) {
-  auto* search = static_cast<TextSearch*>(sqlite3_value_pointer(arguments[0], kTextSearchPointer));
+  auto* search = static_cast<TextSearch*>(sqlite3_get_auxdata(context, 0));
+  if (!search) {
+    search = static_cast<TextSearch*>(sqlite3_value_pointer(arguments[0], kTextSearchPointer));
+    sqlite3_set_auxdata(context, 0, search, nullptr);
+  }
   if (!search || IsNull(arguments[1])) return;
   Guard(context,
         [&] { sqlite3_result_int(context, search->Passes(TextOf(arguments[1])) ? 1 : 0); });

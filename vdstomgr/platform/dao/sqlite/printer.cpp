@@ -26,6 +26,13 @@ const jet::Source* EditableSource(const jet::Select& select) {
   return shows_rows && !source.table.empty() ? &source : nullptr;
 }
 
+// Do the rows stand in the order of that column?
+bool IsInOrderOf(const dao::ColumnSchema& column, const jet::Select& select) {
+  if (select.order_by.empty() || select.order_by.front().descending) return false;
+  const auto* key = std::get_if<jet::ColumnRef>(&select.order_by.front().value.node);
+  return key && SameName(key->name, column.name);
+}
+
 struct StatementPrinter {
   const dao::SchemaView& schema;
   const PrintOptions& options;
@@ -53,7 +60,18 @@ struct StatementPrinter {
                     .listed_sql = printer.Query(select, form),
                     .candidates_sql = TextIndex::CandidatesSql(table.name, column),
                     .matches_sql = TextIndex::MatchesSql(table.name, column),
-                    .last_row_sql = "SELECT max(rowid) FROM " + QuoteName(table.name)};
+                    .last_row_sql = "SELECT max(rowid) FROM " + QuoteName(table.name),
+                    .changed_sql = TextIndex::ChangedSql(table.name, column),
+                    .walk_on_sql = {},
+                    .next_sql = {}};
+    if (IsInOrderOf(*texts.column, select)) {
+      form.lists_keys = false;
+      form.begins_at_text = true;
+      query.walk_on_sql = printer.Query(select, form);
+      const std::string text = QuoteName(column);
+      query.next_sql = "SELECT " + text + " FROM " + QuoteName(table.name) + " WHERE " + text +
+                       " >= ?1 ORDER BY " + text + " LIMIT 1";
+    }
     return {walk, StatementKind::Select, table.name, std::move(query)};
   }
   Printed operator()(const jet::Insert& insert) const {

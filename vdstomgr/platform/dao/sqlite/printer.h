@@ -56,6 +56,10 @@ struct TextQuery {
   std::string candidates_sql;  ///< the keys of the rows that can match; its parameter is the match
   std::string matches_sql;     ///< the same without rows that have changed lately, in order
   std::string last_row_sql;    ///< the highest key of the table
+  std::string changed_sql;     ///< the keys of the rows that have changed lately
+  // Of a query whose rows stand in the order of the texts; otherwise empty.
+  std::string walk_on_sql;  ///< the walk from a text on, which is one more parameter
+  std::string next_sql;     ///< the first text that is not before a text, its parameter
 };
 
 struct Printed {

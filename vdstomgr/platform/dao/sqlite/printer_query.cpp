@@ -213,9 +213,12 @@ std::string SqlPrinter::SearchingWhere(const QueryForm& form) const {
     sql += QuoteName(form.rowid_of) + ".rowid IN (SELECT value FROM carray(?" +
            std::to_string(options_.literals + 2) + ")) AND ";
   }
+  const std::string text = QuoteName(form.rowid_of) + "." + QuoteName(form.texts->column->name);
+  if (form.begins_at_text) {
+    sql += text + " >= ?" + std::to_string(options_.literals + 2) + " AND ";
+  }
   for (const jet::Expr* other : form.texts->others) sql += "(" + Print(*other) + ") AND ";
-  return sql + "vdsto_search(" + parameter + ", " + QuoteName(form.rowid_of) + "." +
-         QuoteName(form.texts->column->name) + ")";
+  return sql + "vdsto_search(" + parameter + ", " + text + ")";
 }
 
 std::string SqlPrinter::Where(const jet::ExprPtr& condition) const {

@@ -93,7 +93,7 @@ void Query::MoveNext() {
 void Query::Restart() {
   Db();
   End();
-  if (search_ && !search_->IsWalk()) statement_ = search_->StartWalk();
+  if (search_ && !search_->IsFirstWalk()) statement_ = search_->StartWalk();
   state_ = State::Before;
 }
 
@@ -126,14 +126,15 @@ void Query::Step() {
   ThrowEngineError(db, code, "");
 }
 
-// The rows of the walk, and then those of the index without what the walk has shown.
+// The rows of a search's statements one after the other, without what walks have shown already.
 int Query::NextRow() {
   for (;;) {
     const int code = sqlite3_step(statement_->Handle());
-    walk_.reset();
-    if (!search_ || code != SQLITE_ROW) return code;
+    if (!search_) return code;
+    if (code == SQLITE_DONE && GoOnWith(search_->GoOn())) continue;
+    if (code != SQLITE_ROW) return code;
     if (search_->TakePause()) {
-      AskIndex();
+      GoOnWith(search_->AskIndex());
       continue;
     }
     const std::int64_t key = sqlite3_column_int64(statement_->Handle(), plan_->columns.Count());
@@ -145,12 +146,13 @@ int Query::NextRow() {
   }
 }
 
-// The walk is let go when the other way has begun, so that both see the same state of the file.
-void Query::AskIndex() {
-  auto by_index = search_->AskIndex();
-  if (!by_index) return;
-  walk_ = std::exchange(statement_, std::move(by_index));
+// The first walk is kept, so that all see the same state of the file.
+bool Query::GoOnWith(std::unique_ptr<Statement> next) {
+  if (!next) return false;
+  if (!walk_) walk_ = std::move(statement_);
+  statement_ = std::move(next);
   std::ranges::sort(shown_);
+  return true;
 }
 
 // Lets the live statement go, and with it the engine's hold on this state of the file.

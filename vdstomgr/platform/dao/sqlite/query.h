@@ -50,7 +50,7 @@ class Query final : public dao::Query {
   Connection& Db() const;
   void Step();
   int NextRow();
-  void AskIndex();
+  bool GoOnWith(std::unique_ptr<Statement> next);
   void LetGo();
   void End();
   NotedRow NoteCurrentRow() const;
@@ -63,8 +63,8 @@ class Query final : public dao::Query {
   std::shared_ptr<const Plan> plan_;
   std::unique_ptr<TextSearch> search_;
   std::unique_ptr<Statement> statement_;
-  std::unique_ptr<Statement> walk_;     // that the index is taking the place of
-  std::vector<std::int64_t> shown_;     // keys of the rows that a search's walk has shown
+  std::unique_ptr<Statement> walk_;     // the first of a search, when others have taken its place
+  std::vector<std::int64_t> shown_;     // keys of the rows that a search's walks have shown
   std::unique_ptr<Statement> fetched_;  // shows the current noted row
   std::vector<NotedRow> noted_;
   size_t position_ = 0;

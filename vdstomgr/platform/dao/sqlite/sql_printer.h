@@ -19,6 +19,7 @@ struct QueryForm {
   std::string_view rowid_of = {};     ///< not empty: that source's rowid as one more column
   const TextFilter* texts = nullptr;  ///< conditions to be printed as a search of texts
   bool lists_keys = false;            ///< only the rows whose keys are in a list
+  bool begins_at_text = false;        ///< only the rows from a text of `texts` on
 };
 
 /// The parts of Print. Every function returns the SQL of one piece of the tree.

@@ -47,9 +47,10 @@ std::string_view BytesOf(sqlite3_stmt* row, int column) {
 
 }  // namespace
 
-std::string MatchAll(const std::vector<jet::Gram>& grams) {
-  return Join(grams, " AND ", [](const jet::Gram& gram) {
-    return QuoteName(gram.term) + (gram.is_start ? "*" : "");
+std::string MatchAll(const std::vector<jet::Gram>& grams, std::optional<char32_t> head) {
+  return Join(grams, " AND ", [&](const jet::Gram& gram) {
+    if (!head || !gram.has_head) return QuoteName(gram.term) + (gram.is_start ? "*" : "");
+    return QuoteName(gram.term + std::string(jet::GramTerm().Single(*head).View()));
   });
 }
 
@@ -58,8 +59,11 @@ std::string TextIndex::NameOf(std::string_view table, std::string_view column) {
 }
 
 std::string TextIndex::CandidatesSql(std::string_view table, std::string_view column) {
-  return MatchesSql(table, column) + " UNION ALL SELECT key FROM " +
-         QuoteName(NameOf(table, column) + ".changes");
+  return MatchesSql(table, column) + " UNION ALL " + ChangedSql(table, column);
+}
+
+std::string TextIndex::ChangedSql(std::string_view table, std::string_view column) {
+  return "SELECT key FROM " + QuoteName(NameOf(table, column) + ".changes");
 }
 
 std::string TextIndex::MatchesSql(std::string_view table, std::string_view column) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,7 +35,9 @@ class TextIndex {
   static std::string NameOf(std::string_view table, std::string_view column);
   /// A query for the keys of the rows that can match; the match is its parameter.
   static std::string CandidatesSql(std::string_view table, std::string_view column);
-  /// The same without the rows that have changed, in the order of their keys.
+  /// A query for the keys of the rows that have changed.
+  static std::string ChangedSql(std::string_view table, std::string_view column);
+  /// That of the candidates without the rows that have changed, in the order of their keys.
   static std::string MatchesSql(std::string_view table, std::string_view column);
 
  private:
@@ -56,7 +59,9 @@ class TextIndex {
   std::string table_, column_, index_, changes_;  // quoted
 };
 
-/// The text that asks the engine's index for rows that have all the grams.
-std::string MatchAll(const std::vector<jet::Gram>& grams);
+/// The text that asks the engine's index for rows that have all the grams; with `head`, as far as
+/// the grams tell, for those whose texts have it.
+std::string MatchAll(const std::vector<jet::Gram>& grams,
+                     std::optional<char32_t> head = std::nullopt);
 
 }  // namespace vdstomgr::sqlite

@@ -16,12 +16,15 @@ namespace {
 
 constexpr std::int64_t kFirstPause = 1024;  // rows looked at
 constexpr std::int64_t kNever = std::numeric_limits<std::int64_t>::max();
+constexpr char32_t kNoHead = std::numeric_limits<char32_t>::max();
 
 // Starts of pieces are slow to ask for: the walk goes on for longer before.
 constexpr std::int64_t kFirstPauseForStarts = 16 * kFirstPause;
 
-// A row that is fetched by its key costs as much as the walk takes for this many.
+// A row that is fetched by its key costs as much as the walk takes for this many, and asking for
+// those of one head as much as for this many.
 constexpr std::int64_t kRowsPerCandidate = 12;
+constexpr std::int64_t kRowsPerHead = 100;
 // How many rows a search is expected to be asked for.
 constexpr std::int64_t kUsualRows = 100;
 
@@ -72,6 +75,7 @@ void TextSearch::Bind(sqlite3_stmt* statement) {
 // A text that a row must have as a whole, or else all its words: the words are enough.
 void TextSearch::MakePatterns() {
   for (const std::string& pattern : pattern_texts_) patterns_.emplace_back(pattern);
+  grams_.resize(patterns_.size());
   if (test_.kind != TextTest::Kind::Any) return;
   std::vector<Test>& parts = test_.parts;
   const auto is_needless = [&](const Test& part) {
@@ -93,9 +97,14 @@ bool TextSearch::IsImplied(const Test& test, const jet::LikePattern& pattern) co
 
 bool TextSearch::Passes(std::string_view text) {
   if (patterns_.empty()) MakePatterns();
+  if (way_ == Way::List) {
+    const char32_t head = jet::HeadOf(text);
+    return head >= first_head_ && head < end_of_heads_ && Passes(test_, text);
+  }
   ++looked_at_;
   if (Passes(test_, text)) return true;
   pauses_ = looked_at_ >= next_pause_;
+  if (pauses_) head_ = jet::HeadOf(text);
   return pauses_;
 }
 
@@ -112,12 +121,12 @@ bool TextSearch::Passes(const Test& test, std::string_view text) const {
   return false;
 }
 
-std::string TextSearch::MatchFor(const Test& test) {
-  if (test.kind == TextTest::Kind::Like) return MatchFor(patterns_[test.pattern]);
+std::string TextSearch::MatchFor(const Test& test, Heads heads) {
+  if (test.kind == TextTest::Kind::Like) return MatchAll(GramsOf(test.pattern), heads);
   const bool is_all = test.kind == TextTest::Kind::All;
   std::string match;
   for (const Test& part : test.parts) {
-    const std::string one = MatchFor(part);
+    const std::string one = MatchFor(part, heads);
     if (one.empty() && !is_all) return {};  // it can be any row
     if (one.empty()) continue;
     match += (match.empty() ? "(" : is_all ? " AND (" : " OR (") + one + ")";
@@ -125,9 +134,15 @@ std::string TextSearch::MatchFor(const Test& test) {
   return match;
 }
 
-std::string TextSearch::MatchFor(const jet::LikePattern& pattern) {
+const std::vector<jet::Gram>& TextSearch::GramsOf(size_t pattern) {
+  auto& grams = grams_[pattern];
+  if (!grams) grams = ChooseGrams(patterns_[pattern]);
+  return *grams;
+}
+
+std::vector<jet::Gram> TextSearch::ChooseGrams(const jet::LikePattern& pattern) {
   std::vector<jet::Gram> grams = pattern.RequiredGrams(kMostGrams);
-  if (grams.empty()) return {};
+  if (grams.empty()) return grams;
   asks_for_starts_ = asks_for_starts_ || grams.front().is_start;
   if (grams.size() > kAskedGrams && !grams.front().is_start) {
     std::vector<std::pair<double, size_t>> rarity;
@@ -137,7 +152,21 @@ std::string TextSearch::MatchFor(const jet::LikePattern& pattern) {
     for (size_t i = 0; i < kAskedGrams; ++i) rarest.push_back(grams[rarity[i].second]);
     grams = std::move(rarest);
   }
-  return MatchAll(grams);
+  return grams;
+}
+
+// Are there grams with a head in every match?
+bool TextSearch::TellsHeadsApart(const Test& test) {
+  const auto tells = [&](const Test& part) { return TellsHeadsApart(part); };
+  switch (test.kind) {
+    case TextTest::Kind::Like:
+      return std::ranges::any_of(GramsOf(test.pattern), &jet::Gram::has_head);
+    case TextTest::Kind::All:
+      return std::ranges::any_of(test.parts, tells);
+    case TextTest::Kind::Any:
+      return std::ranges::all_of(test.parts, tells);
+  }
+  return false;
 }
 
 // The part of the rows that have it, as far as the first ones show; none at all is rarest.
@@ -156,9 +185,15 @@ double TextSearch::Frequency(const jet::Gram& gram) {
 
 std::unique_ptr<Statement> TextSearch::Ask(const std::string& sql, const std::string& match) {
   auto statement = connection_.PrepareOwn(sql);
-  Check(connection_.Handle(),
-        sqlite3_bind_text(statement->Handle(), 1, match.c_str(), -1, SQLITE_TRANSIENT), "");
+  BindText(*statement, 1, match);
   return statement;
+}
+
+void TextSearch::BindText(Statement& statement, int parameter, const std::string& text) {
+  Check(connection_.Handle(),
+        sqlite3_bind_text(statement.Handle(), parameter, text.data(), static_cast<int>(text.size()),
+                          SQLITE_TRANSIENT),
+        "");
 }
 
 std::unique_ptr<Statement> TextSearch::AskIndex() {
@@ -166,40 +201,70 @@ std::unique_ptr<Statement> TextSearch::AskIndex() {
   try {
     if (match_.empty()) match_ = MatchFor(test_);
     if (match_.empty()) return nullptr;
-    const bool too_early = asks_for_starts_ && looked_at_ < kFirstPauseForStarts;
-    if (too_early || !HasFewCandidates()) {
-      next_pause_ = 2 * looked_at_;
-      return nullptr;
+    next_pause_ = 2 * looked_at_;
+    if (asks_for_starts_ && looked_at_ < kFirstPauseForStarts) return nullptr;
+    const bool in_text_order = !plan_->text_query->walk_on_sql.empty();
+    if (HasFewCandidates()) {
+      first_head_ = in_text_order ? head_ : 0;
+      end_of_heads_ = kNoHead;
+      return List(keys_);
     }
-    return TakeCandidates();
+    return in_text_order && TellsHeadsApart(test_) ? ListHeads() : nullptr;
   } catch (const CDaoException&) {
     connection_.DoubtTextIndexes();  // the walk knows all that the index does
     return nullptr;
   }
 }
 
-std::unique_ptr<Statement> TextSearch::TakeCandidates() {
+std::unique_ptr<Statement> TextSearch::List(std::vector<std::int64_t>& keys) {
   auto statement = connection_.PrepareOwn(plan_->text_query->listed_sql);
   Bind(statement->Handle());
   Check(connection_.Handle(),
-        sqlite3_carray_bind(statement->Handle(), plan_->text_query->parameter + 1, keys_.data(),
-                            static_cast<int>(keys_.size()), SQLITE_CARRAY_INT64, SQLITE_STATIC),
+        sqlite3_carray_bind(statement->Handle(), plan_->text_query->parameter + 1, keys.data(),
+                            static_cast<int>(keys.size()), SQLITE_CARRAY_INT64, SQLITE_STATIC),
         "");
-  candidates_.reset();
-  is_walk_ = false;
+  way_ = Way::List;
+  return statement;
+}
+
+// From the head where the walk has paused to one of which many rows can match, as far as that costs
+// no more than half of what the walk has cost so far.
+std::unique_ptr<Statement> TextSearch::ListHeads() {
+  const std::int64_t most = looked_at_ / 2;
+  std::int64_t heads = 0;
+  const auto left = [&] {
+    return (most - ++heads * kRowsPerHead) / kRowsPerCandidate - std::ssize(head_keys_);
+  };
+  head_keys_.clear();
+  first_head_ = end_of_heads_ = head_;
+  while (end_of_heads_ != kNoHead && TakeHead(end_of_heads_, left())) {
+    end_of_heads_ = NextHead(end_of_heads_);
+  }
+  if (end_of_heads_ == first_head_) return nullptr;
+  const auto changed = connection_.PrepareOwn(plan_->text_query->changed_sql);
+  TakeKeys(*changed, head_keys_, kNever);
+  return List(head_keys_);
+}
+
+std::unique_ptr<Statement> TextSearch::GoOn() {
+  if (way_ != Way::List || end_of_heads_ == kNoHead) return nullptr;
+  auto statement = connection_.PrepareOwn(plan_->text_query->walk_on_sql);
+  Bind(statement->Handle());
+  BindText(*statement, plan_->text_query->parameter + 1, jet::FirstTextOf(end_of_heads_));
+  way_ = Way::LaterWalk;
   return statement;
 }
 
 void TextSearch::LetGo() {
-  candidates_.reset();
-  if (is_walk_) keys_.clear();
+  for (auto* statement : {&candidates_, &matches_, &nexts_}) statement->reset();
+  if (way_ != Way::List) keys_.clear();
 }
 
 std::unique_ptr<Statement> TextSearch::StartWalk() {
   LetGo();
   looked_at_ = 0;
   next_pause_ = kFirstPause;
-  is_walk_ = true;
+  way_ = Way::FirstWalk;
   auto statement = connection_.PrepareOwn(plan_->text_query->walk_sql);
   Bind(statement->Handle());
   return statement;
@@ -218,14 +283,42 @@ bool TextSearch::HasFewCandidates() {
     few_ =
         static_cast<std::int64_t>(std::sqrt(kUsualRows * std::max(rows, 0.0) / kRowsPerCandidate));
   }
-  const std::int64_t most = std::max(few_, looked_at_ / kRowsPerCandidate / 2);
-  while (std::ssize(keys_) <= most) {
-    const int code = sqlite3_step(candidates_->Handle());
+  return TakeKeys(*candidates_, keys_, std::max(few_, looked_at_ / kRowsPerCandidate / 2));
+}
+
+// False when that would be more than so many keys.
+bool TextSearch::TakeKeys(Statement& keys, std::vector<std::int64_t>& taken, std::int64_t most) {
+  while (std::ssize(taken) <= most) {
+    const int code = sqlite3_step(keys.Handle());
     if (code == SQLITE_DONE) return true;
     if (code != SQLITE_ROW) ThrowEngineError(connection_.Handle(), code, "");
-    keys_.push_back(sqlite3_column_int64(candidates_->Handle(), 0));
+    taken.push_back(sqlite3_column_int64(keys.Handle(), 0));
   }
   return false;
+}
+
+// The keys of a head's rows that can match; false, and none, when they are more than so many.
+bool TextSearch::TakeHead(char32_t head, std::int64_t most) {
+  if (most < 0 || head == 0) return false;  // the engine cannot be asked for 0
+  if (!matches_) matches_ = connection_.PrepareOwn(plan_->text_query->matches_sql);
+  sqlite3_reset(matches_->Handle());
+  BindText(*matches_, 1, MatchFor(test_, head));
+  std::vector<std::int64_t> keys;
+  if (!TakeKeys(*matches_, keys, most)) return false;
+  head_keys_.insert(head_keys_.end(), keys.begin(), keys.end());
+  return true;
+}
+
+// The head of the first text behind those of a head.
+char32_t TextSearch::NextHead(char32_t head) {
+  if (!nexts_) nexts_ = connection_.PrepareOwn(plan_->text_query->next_sql);
+  sqlite3_reset(nexts_->Handle());
+  BindText(*nexts_, 1, jet::FirstTextOf(jet::HeadAfter(head)));
+  const int code = sqlite3_step(nexts_->Handle());
+  if (code == SQLITE_DONE) return kNoHead;
+  if (code != SQLITE_ROW) ThrowEngineError(connection_.Handle(), code, "");
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(nexts_->Handle(), 0));
+  return jet::HeadOf({text, static_cast<size_t>(sqlite3_column_bytes(nexts_->Handle(), 0))});
 }
 
 }  // namespace vdstomgr::sqlite

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,7 +22,8 @@ class Connection;
 /// The query begins as a walk through the rows in their order, which is the fastest way to the
 /// first rows of a common text. From time to time, when the walk has looked at many rows and found
 /// few, it pauses, and the index is asked how many rows can match at all. When these are few enough
-/// they take the walk's place.
+/// they take the walk's place. When they are not, but the rows stand in the order of the texts,
+/// they do so as far as they are few: for the texts of some heads, behind which the walk goes on.
 class TextSearch {
  public:
   TextSearch(Connection& connection, std::shared_ptr<const Plan> plan,
@@ -38,14 +40,17 @@ class TextSearch {
   /// Is the row that the walk has come to not one of its rows but a pause?
   bool TakePause() { return std::exchange(pauses_, false); }
 
-  /// Are its rows still found by the walk?
-  bool IsWalk() const { return is_walk_; }
-  /// Lets go of what holds this state of the file; to be called when the walk ends.
+  /// Are its rows found by the first walk still? By any walk?
+  bool IsFirstWalk() const { return way_ == Way::FirstWalk; }
+  bool IsWalk() const { return way_ != Way::List; }
+  /// Lets go of what holds this state of the file; to be called when the query ends.
   void LetGo();
 
-  /// At a pause: the statement that shows all rows of the query, by way of the index. Null when the
-  /// walk had better go on.
+  /// At a pause: the statement that shows the next rows of the query, and maybe some that walks
+  /// have shown, by way of the index. Null when the walk had better go on.
   std::unique_ptr<Statement> AskIndex();
+  /// At the end of a statement: the one that shows the rows behind it. Null when there are none.
+  std::unique_ptr<Statement> GoOn();
   /// The statement to begin anew with.
   std::unique_ptr<Statement> StartWalk();
 
@@ -62,19 +67,32 @@ class TextSearch {
   void MakePatterns();
   bool IsImplied(const Test& test, const jet::LikePattern& pattern) const;
   bool Passes(const Test& test, std::string_view text) const;
-  std::string MatchFor(const Test& test);
-  std::string MatchFor(const jet::LikePattern& pattern);
+
+  using Heads = std::optional<char32_t>;  // those of all texts, or one
+  std::string MatchFor(const Test& test, Heads heads = {});
+  const std::vector<jet::Gram>& GramsOf(size_t pattern);
+  std::vector<jet::Gram> ChooseGrams(const jet::LikePattern& pattern);
+  bool TellsHeadsApart(const Test& test);
   double Frequency(const jet::Gram& gram);
+
   std::unique_ptr<Statement> Ask(const std::string& sql, const std::string& match);
+  void BindText(Statement& statement, int parameter, const std::string& text);
+  bool TakeKeys(Statement& keys, std::vector<std::int64_t>& taken, std::int64_t most);
   bool HasFewCandidates();
-  std::unique_ptr<Statement> TakeCandidates();
+  std::unique_ptr<Statement> ListHeads();
+  bool TakeHead(char32_t head, std::int64_t most);
+  char32_t NextHead(char32_t head);
+  std::unique_ptr<Statement> List(std::vector<std::int64_t>& keys);
 
   Connection& connection_;
   std::shared_ptr<const Plan> plan_;
   std::vector<jet::Literal> literals_;
   std::vector<std::string> pattern_texts_;
   std::vector<jet::LikePattern> patterns_;
+  std::vector<std::optional<std::vector<jet::Gram>>> grams_;  // of each pattern, once asked for
   Test test_;
+  enum class Way { FirstWalk, List, LaterWalk } way_ = Way::FirstWalk;
+
   std::unique_ptr<Statement> candidates_;  // being listed
   std::vector<std::int64_t> keys_;         // of the candidates so far
   std::string match_;
@@ -83,7 +101,11 @@ class TextSearch {
   std::int64_t next_pause_;
   bool asks_for_starts_ = false;
   bool pauses_ = false;
-  bool is_walk_ = true;
+
+  char32_t head_ = 0;                           // where the walk has paused
+  char32_t first_head_ = 0, end_of_heads_ = 0;  // of the list
+  std::vector<std::int64_t> head_keys_;         // of the list
+  std::unique_ptr<Statement> matches_, nexts_;  // kept to be asked again
 };
 
 /// The kind of pointer by which a statement is given its search.
