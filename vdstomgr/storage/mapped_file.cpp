@@ -8,7 +8,7 @@
 
 #include "vdstomgr/platform/report/report.h"
 #include "vdstomgr/platform/text/code_page.h"
-#include "vdstomgr/storage/storage_error.h"
+#include "vdstomgr/storage/note_storage_error.h"
 
 namespace vdstomgr {
 namespace {

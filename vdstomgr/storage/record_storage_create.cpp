@@ -1,7 +1,7 @@
 #include "vdstomgr/storage/array_file.h"
+#include "vdstomgr/storage/note_storage_error.h"
 #include "vdstomgr/storage/record_format.h"
 #include "vdstomgr/storage/record_storage.h"
-#include "vdstomgr/storage/storage_error.h"
 #include "vdstomgr/storage/storage_files.h"
 
 namespace os = vdstomgr::os;

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "vdstomgr/storage/note_storage_error.h"
+
 namespace vdstomgr {
 namespace {
 

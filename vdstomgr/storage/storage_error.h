@@ -17,7 +17,4 @@ struct StorageError {
 /// answer on this thread, and forgets it. Empty when nothing was refused since the last call.
 VDSTO_API StorageError TakeStorageError();
 
-/// For the storage classes: keeps what the system refused, if it did. Answers `reason`.
-std::error_code NoteStorageError(const std::string& path, std::error_code reason);
-
 }  // namespace vdstomgr

@@ -1,7 +1,7 @@
 #include "vdstomgr/storage/storage_files.h"
 
 #include "vdstomgr/platform/text/code_page.h"
-#include "vdstomgr/storage/storage_error.h"
+#include "vdstomgr/storage/note_storage_error.h"
 
 namespace vdstomgr {
 

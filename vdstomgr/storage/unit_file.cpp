@@ -12,7 +12,7 @@
 #include "vdstomgr/platform/text/code_page.h"
 #include "vdstomgr/storage/array_format.h"
 #include "vdstomgr/storage/little_endian.h"
-#include "vdstomgr/storage/storage_error.h"
+#include "vdstomgr/storage/note_storage_error.h"
 #include "vdstomgr/storage/unit_moves.h"
 
 namespace vdstomgr {
