@@ -30,15 +30,10 @@ std::optional<MovedPhotos::Found> MovedPhotos::Find(const std::string& path) {
 }
 
 void MovedPhotos::ReadAll() {
-  vdstomgr::CountArray folders;
-  library_.Call([&](auto& catalogue) { return catalogue.GetPhotoCountInFolders(folders); });
-  for (const COUNTINFOLDER& folder : folders) {
-    for (const PHOTOINFO& photo : library_.PhotosIn(folder.dwFolderID)) {
-      const std::string location = photo.GetOPURL();
-      if (location.empty()) continue;
-      photos_.emplace_back(HashOf(location), std::to_array(photo.szGUID));
-    }
-  }
+  library_.ForEachPhoto([&](const PHOTOINFO& photo) {
+    const std::string location = photo.GetOPURL();
+    if (!location.empty()) photos_.emplace_back(HashOf(location), std::to_array(photo.szGUID));
+  });
   std::sort(photos_.begin(), photos_.end());
 }
 
