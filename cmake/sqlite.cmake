@@ -15,7 +15,8 @@ endif()
 
 # The cipher layer answers that a read went well when it failed, and then what chance left in memory goes into
 # the database; and it does not look whether it got memory for its parameters. These lines are mended in a
-# copy; a version without them passes as it is.
+# copy; a version without them passes as it is. So is how much memory a statement takes at a time for the pages
+# as they were before it: by a kilobyte each, a change of one row in a transaction took thirty pieces.
 function(mend_sqlite from to)
   file(READ ${from} source)
   string(REPLACE "\r\n" "\n" source "${source}")
@@ -28,6 +29,7 @@ function(mend_sqlite from to)
   string(REPLACE "sqlite3_free(cloneCipherParams);"
          "sqlite3_free(cloneCipherParams), sqlite3_free(cloneCodecParams), cloneCodecParams = NULL;"
          source "${source}")
+  string(REPLACE "MEMJOURNAL_DFLT_FILECHUNKSIZE 1024" "MEMJOURNAL_DFLT_FILECHUNKSIZE 32768" source "${source}")
   set(written "")
   if(EXISTS ${to})
     file(READ ${to} written)
@@ -58,6 +60,7 @@ else()
     SQLITE_ENABLE_FTS5                # the index of texts
     SQLITE_LIKE_DOESNT_MATCH_BLOBS
     SQLITE_MAX_EXPR_DEPTH=0
+    SQLITE_WIN32_MAX_PATH_CHARS=32767 # as many as the system can have
     SQLITE_OMIT_DEPRECATED
     SQLITE_OMIT_LOAD_EXTENSION
     SQLITE_OMIT_SHARED_CACHE

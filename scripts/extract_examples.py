@@ -19,6 +19,7 @@ PREAMBLE = """\
 #include <thread>
 #include <vector>
 #include <vdstomgr/vdstomgr.h>
+#include "tests/temporary_folder.h"
 
 static CRkPhotoDBManager& Catalogue() { static CRkPhotoDBManager catalogue; return catalogue; }
 static CRkPhotoImageStorage& Images() { static CRkPhotoImageStorage images; return images; }
@@ -29,12 +30,12 @@ OBJECTS = """\
 """
 MAIN = """\
 int main() {{
-  std::string folder = (std::filesystem::temp_directory_path() / "examples-XXXXXX").string();
-  if (mkdtemp(folder.data()) == nullptr) return 1;
+  const std::filesystem::path folder = MakeTemporaryFolder("examples");
   std::filesystem::current_path(folder);
 {calls}
   Catalogue().CloseDB();
   Images().CloseFile();
+  std::filesystem::current_path(folder.parent_path());
   std::filesystem::remove_all(folder);
 }}
 """

@@ -12,7 +12,7 @@ for purpose in "$@"; do
   case "$purpose" in
     build) ;;
     demo) packages+=(libvips-tools exiv2) ;;
-    test) packages+=(libgtest-dev libgmock-dev python3 openssh-server lighttpd lighttpd-mod-webdav) ;;
+    test) packages+=(libgtest-dev libgmock-dev python3 openssh-server lighttpd lighttpd-mod-webdav lighttpd-mod-openssl openssl) ;;
     gallery) packages+=(chromium fonts-nanum) ;;
     bench) packages+=(libbenchmark-dev libvips-tools liblmdb-dev librocksdb-dev) ;;
     docs) packages+=(doxygen) ;;

@@ -1,12 +1,11 @@
 #include "catalogue_test.h"
 
-#include <cstdlib>
+#include "tests/temporary_folder.h"
 
 namespace vdstomgr {
 
 CatalogueTest::CatalogueTest() {
-  std::string name = (std::filesystem::temp_directory_path() / "catalogue-XXXXXX").string();
-  folder_ = mkdtemp(name.data());
+  folder_ = MakeTemporaryFolder("catalogue");
   file_ = Path("c.db");
   SetDatabaseErrorHandler([this](int code, const char*) { reports_.push_back(code); });
   EXPECT_TRUE(catalogue_.CreateDB(file_.c_str(), nullptr));

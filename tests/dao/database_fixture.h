@@ -2,12 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "tests/temporary_folder.h"
 #include "vdstomgr/platform/dao/dao_exception.h"
 #include "vdstomgr/platform/dao/rk_dao.h"
 #include "vdstomgr/platform/text/code_page.h"
@@ -17,11 +16,7 @@ class DatabaseTest : public testing::Test {
  protected:
   void SetUp() override {
     vdstomgr::SetTextCodePage(vdstomgr::TextCodePage::utf8);
-    folder_ = std::filesystem::temp_directory_path() /
-              ("vdsto-dao-" + std::to_string(::getpid()) + "-" +
-               testing::UnitTest::GetInstance()->current_test_info()->name());
-    std::filesystem::remove_all(folder_);
-    std::filesystem::create_directories(folder_);
+    folder_ = MakeTemporaryFolder("dao");
     db_.Create(Path().c_str());
   }
   void TearDown() override {

@@ -8,6 +8,12 @@
 
 #include "vdstomgr/platform/os/file.h"
 
+#if defined(_WIN32)
+constexpr const char* kSystemLayer = "win32";
+#else
+constexpr const char* kSystemLayer = "unix";
+#endif
+
 /// The disk below the database for as long as it lives: the library's file system and the engine's
 /// own file layer, the cipher included. Its calls fail on demand. Databases are opened after it is
 /// made and closed before it goes.
@@ -21,7 +27,7 @@ class FaultyDisk : public vdstomgr::os::ForwardingFileSystem {
 
   FaultyDisk() : ForwardingFileSystem(vdstomgr::os::SystemFiles()) {
     sqlite3_initialize();
-    real_ = sqlite3_vfs_find("unix");
+    real_ = sqlite3_vfs_find(kSystemLayer);
     vfs_ = *real_;
     vfs_.zName = "faulty";
     vfs_.pAppData = this;

@@ -1,12 +1,11 @@
 #include "search_test.h"
 
-#include <cstdlib>
+#include "tests/temporary_folder.h"
 
 namespace vdstomgr {
 
 SearchTest::SearchTest() {
-  std::string name = (std::filesystem::temp_directory_path() / "search-XXXXXX").string();
-  folder_ = mkdtemp(name.data());
+  folder_ = MakeTemporaryFolder("search");
   file_ = Path("s.db");
   SetTextCodePage(TextCodePage::utf8);
   SetDatabaseErrorHandler([this](int code, const char*) { reports_.push_back(code); });

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <map>
 #include <memory>
 #include <string>
@@ -27,6 +28,11 @@ class FaultyFiles : public ForwardingFileSystem {
     from_then_on_ = from_then_on;
   }
   void Heal() { FailAt(0, false); }
+  /// Lets the process end at the call with this number, as if it were killed there.
+  void DieAt(int call) {
+    FailAt(call, false);
+    dies_ = true;
+  }
   bool HasFailed() const { return fail_at_ > 0 && calls_ >= fail_at_; }
 
   /// Maps of more bytes find no room in the address space.
@@ -164,6 +170,7 @@ class FaultyFiles : public ForwardingFileSystem {
 
   bool Fails() {
     ++calls_;
+    if (dies_ && calls_ == fail_at_) std::_Exit(9);
     return fail_at_ > 0 && (from_then_on_ ? calls_ >= fail_at_ : calls_ == fail_at_);
   }
   static std::error_code Error() { return std::make_error_code(std::errc::no_space_on_device); }
@@ -171,6 +178,7 @@ class FaultyFiles : public ForwardingFileSystem {
   int calls_ = 0;
   int fail_at_ = 0;
   bool from_then_on_ = false;
+  bool dies_ = false;
   std::map<std::string, std::shared_ptr<Content>> contents_;
 };
 

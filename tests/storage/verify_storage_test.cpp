@@ -60,15 +60,15 @@ struct Case {
 };
 
 const Case kCases[] = {
-    {'d', 0, "\xFE", "data_signature", "-", "-"},
+    {'d', 0, "\xFE", "data_signature", "-", "abd"},
     {'d', 8, "1", "data_version", "abd", "abd"},
     {'d', 12, "\x08", "index_header record_without_cluster", "-", "abd"},
     {'d', 16, "\x08", "", "abd", "abd"},
-    {'d', 20, "X", "data_key_kind", "a", "a"},  // searches answer 0
-    {'d', 22, "\x05", "index_header record_checksum record_without_cluster", "-", ""},
+    {'d', 20, "X", "data_key_kind", "a", "a"},  // four bytes may be a number; searches answer 0
+    {'d', 22, "\x05", "index_header record_checksum record_without_cluster", "-", "abd"},
     {'d', 24, "\xFF", "data_length", "-", "abd"},
     {'d', 31, "\x80", "data_length", "-", "abd"},
-    {'d', 24, std::string("\x3C\0", 2), "cluster_outside record_tail_short", "ab", "ab"},
+    {'d', 24, std::string("\x3C\0", 2), "cluster_outside record_tail_short", "ab", "abd"},
     {'d', 40, "\x08", "", "abd", "abd"},
     {'d', 284, "\xFE", "cluster_mismatch record_damaged", "bd", "bd"},
     {'d', 285, "\x33", "cluster_mismatch record_damaged", "bd", "bd"},
@@ -126,7 +126,8 @@ TEST_F(Damage, IsNamedAndLosesNoMoreThanItsRecord) {
     const auto repair = RepairStorage(path_.c_str());
     EXPECT_EQ(Survivors(), damage.repaired);
     EXPECT_EQ(repair.good_records, repair.repaired ? VerifyStorage(path_.c_str()).clusters : 0);
-    if (repair.repaired) {
+    EXPECT_EQ(repair.kept_index.empty(), !repair.repaired || repair.was_sound);
+    if (!repair.kept_index.empty()) {
       EXPECT_EQ(Read(repair.kept_index), index);
       std::filesystem::remove(repair.kept_index);
     }
@@ -161,6 +162,7 @@ TEST_F(Damage, OfAMissingIndexOrAStrangersIsRepaired) {
   EXPECT_TRUE(RepairStorage(path_.c_str()).kept_index.empty());
   EXPECT_EQ(Survivors(), "abd");
   Write("r.pdx.old", "taken");
+  Write("r.pdx", "damaged");
   EXPECT_EQ(RepairStorage(path_.c_str()).kept_index, index_ + ".old.2");
   ASSERT_TRUE(storage_.LoadStorageFile(path_.c_str(), 2, 3));
   EXPECT_FALSE(RepairStorage(path_.c_str()).repaired);  // in use

@@ -89,7 +89,7 @@ TEST_F(UploadFileTest, NamesComeBackUnlessTheyBreakTheirLine) {
 
 TEST_F(UploadFileTest, BadLinesEndTheLoadAndWhatWasLoadedStays) {
   const std::string good = "1|\"g\"|\"\"|10|\"a\"|0|\"\"|0|1\r\n";
-  const std::string garbage(std::size_t{8} << 20, '\xfe');
+  const std::string garbage(std::size_t{100} << 20, '\xfe');
   const std::pair<std::string, int> cases[] = {
       {good + good, 2},
       {good + good.substr(0, good.size() - 2), 2},

@@ -64,6 +64,8 @@ TEST_F(FactsTest, KeepEveryColumnUnderAPassword) {
   facts.SetPlaces({{4, "/a", "1"}});
   facts.SetPlaces({{5, "/A\xFE", "2"}, {6, "/a", "3"}});
   EXPECT_EQ(facts.Places(), (std::vector<vdsto::ImportPlace>{{5, "/A\xFE", "2"}, {6, "/a", "3"}}));
+  facts.SetUnreadable({{"/a\xFE", "locked"}});
+  EXPECT_EQ(facts.Unreadable(), (std::vector<vdsto::UnreadableFile>{{"/a\xFE", "locked"}}));
   EXPECT_EQ(RowAsText(Path(), "열려라 참깨 열려라 참깨"),
             kGuid + "|file:///disk/%FF%20" + std::string(300, 'n') +
                 "/%ED%9D%B0.jpg|5000000123|-19088744|-2023406815|"

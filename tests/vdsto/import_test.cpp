@@ -148,6 +148,13 @@ TEST_F(ImportTest, LinksAndLongPaths) {
   const json again = Vdsto({"import", Pictures()}).Json();
   EXPECT_EQ(Counts(again), "0 0 3");
   EXPECT_EQ(again["long_paths"].size(), 0u) << "not looked into again";
+  Import({temp_ / "outside"});
+  const auto problems = [&] { return Vdsto({"problems"}).Json(); };
+  EXPECT_EQ(problems()[0]["original"], Pictures("dangling.jpg"));
+  EXPECT_EQ(problems()[0]["state"], "unreadable");
+  fs::remove(Pictures("dangling.jpg"));
+  Import();
+  EXPECT_EQ(problems(), json::array());
 }
 
 TEST_F(ImportTest, ManyPicturesFillSeveralBatches) {

@@ -51,6 +51,24 @@ class StoreTest : public ImportTest {
     });
   }
 
+  /// What `vdsto check` says of each thing it looks at.
+  json Verdicts(int code, const std::vector<std::string>& options = {}) const {
+    std::vector<std::string> words{"check"};
+    words.insert(words.end(), options.begin(), options.end());
+    const Outcome outcome = Vdsto(words);
+    EXPECT_EQ(outcome.code, code) << outcome.out << outcome.err;
+    json verdicts;
+    const json answer = outcome.Json();
+    for (const json& check : answer["checks"]) verdicts[check["what"]] = check["verdict"];
+    return verdicts;
+  }
+  static void FlipByte(const std::string& path, int offset) {
+    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+    file.seekg(offset);
+    const int byte = file.get();
+    file.seekp(offset).put(static_cast<char>(byte ^ 0x55));
+  }
+
   void ImportThree() const {
     for (const char* name : {"a.jpg", "x/b.png", "y/b.png"}) WritePicture(Pictures(name), 500, 300);
     WriteFile(Pictures("broken.jpg"), "");
@@ -171,31 +189,44 @@ TEST_F(StoreTest, ThumbReplacesOtherFilesByForceOnly) {
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
+/// Every advice leads on to the next step, and in the end out.
 TEST_F(StoreTest, DamageIsNamedAndRepaired) {
   ImportThree();
   EXPECT_EQ(Vdsto({"store", "verify"}).code, 0);
   EXPECT_EQ(Vdsto({"store", "sync"}).Json()["images"], 3);
-  std::fstream file(Store(), std::ios::in | std::ios::out | std::ios::binary);
-  file.seekp(2000).put('\x55');
-  file.close();
+  FlipByte(Store(), 2000);
   const Outcome verdict = Vdsto({"store", "verify"});
   EXPECT_EQ(verdict.code, 7);
-  EXPECT_EQ(verdict.Json()["faults"][0]["fault"], "record_checksum");
-  ExpectRefused({"store", "compact"}, 7, "run vdsto store repair");
+  EXPECT_EQ(verdict.Json()["fault_counts"], json({{"record_checksum", 1}}));
+  EXPECT_EQ(Verdicts(7)["images"], "wrong");
   const json repair = Vdsto({"store", "repair"}).Json();
   EXPECT_EQ(repair["images"], 2);
+  EXPECT_THAT(repair["lost"][0]["photo"], StartsWith("pictures/")) << repair;
   EXPECT_TRUE(fs::exists(repair["kept_index"].get<std::string>())) << repair;
+  EXPECT_EQ(Vdsto({"store", "verify"}).code, 0);
+  EXPECT_EQ(Vdsto({"store", "repair"}).Json()["was_sound"], true);
+  EXPECT_FALSE(fs::exists(temp_ / "library/images.pdx.old.2"));
+  EXPECT_EQ(Count("store", "stat", "missing") + Verdicts(7)["thumbnails"].dump(), "1\"wrong\"");
   EXPECT_EQ(Counts(Import()), "0 1 3") << "the image that was left out is made again";
   EXPECT_EQ(Images(), "3");
 
+  const int bytes = Vdsto({"store", "stat"}).Json()["data_bytes"];
+  FlipByte(Store(), bytes - 700);
+  EXPECT_EQ(Vdsto({"store", "compact"}).Json()["dropped_damaged"], 1);
+  EXPECT_EQ(Counts(Import()), "0 1 3");
   WriteFile(temp_ / "library/images.pdx", "no index");
-  ExpectRefused({"import", Pictures()}, 3, "run vdsto store verify, then vdsto store repair");
-  EXPECT_EQ(Vdsto({"store", "repair"}).code, 0);
+  EXPECT_EQ(Counts(Import()), "0 0 4") << "an import repairs what it cannot open";
+  CutFile(Store(), 100);
+  ExpectRefused({"thumb", "a.jpg", "-o", "-"}, 3, "run vdsto store repair");
+  const json aside = Vdsto({"store", "repair"}).Json();
+  EXPECT_EQ(fs::file_size(aside["set_aside"].get<std::string>()), 100U);
+  EXPECT_EQ(Counts(Import()), "0 3 1");
   for (const char* name : {"images.pdb", "images.pdx"})
     fs::rename(Library() + "/" + name, Library() + "/" + name + ".bak");
-  ExpectRefused({"import", Pictures()}, 3, "a compaction left its pieces");
-  EXPECT_EQ(Vdsto({"store", "repair"}).code, 0);
+  EXPECT_EQ(Images() + Count("store", "stat", "compaction_cut_off"), "3true");
+  EXPECT_EQ(Vdsto({"thumb", "a.jpg", "-o", "-"}).code, 0);
   EXPECT_EQ(Counts(Import()), "0 0 4");
+  EXPECT_THAT(Verdicts(0), testing::Each("good"));
 }
 
 TEST_F(StoreTest, AStoreInUseAndAFullDiskAreToldInOneLine) {
@@ -207,7 +238,8 @@ TEST_F(StoreTest, AStoreInUseAndAFullDiskAreToldInOneLine) {
     return WEXITSTATUS(std::system(line.c_str()));
   };
   EXPECT_EQ(run_limited("50000", "import '" + Pictures() + "'"), 5);
-  EXPECT_THAT(ReadFile(temp_ / "err"), HasSubstr("takes no more images: is the disk full?"));
+  EXPECT_THAT(ReadFile(temp_ / "err"),
+              HasSubstr("takes no more images (images.pdb: file too large)"));
   EXPECT_EQ(Vdsto({"stat"}).Json()["photos"], 0) << "no row without its image";
   EXPECT_EQ(Counts(Import()), "1 0 0");
   WriteFile(temp_ / "out/old.jpg", "mine");
@@ -225,6 +257,49 @@ TEST_F(StoreTest, AStoreInUseAndAFullDiskAreToldInOneLine) {
     ExpectRefused(arguments, 3, "is in use by another process");
   EXPECT_EQ(Vdsto({"thumb", "a.jpg", "-o", "-"}).out.substr(0, 2), "\xFF\xD8");
   EXPECT_EQ(Vdsto({"store", "verify"}).code, 0);
+}
+
+TEST_F(StoreTest, CheckFindsWhatIsWrongAndChangesNothing) {
+  ImportThree();
+  Vdsto({"find", "a"});
+  EXPECT_THAT(Verdicts(0, {"--originals"}), testing::Each("good"));
+  WritePicture(Pictures("a.jpg"), 40, 40, 9);
+  fs::remove(Pictures("x/b.png"));
+  EditPhoto(Pictures("y/b.png"), [](PHOTOINFO& photo) { photo.SetFolderID(4711); });
+  {
+    CRkPhotoDBManager catalogue;
+    ASSERT_TRUE(catalogue.OpenDB(Catalogue().c_str(), ""));
+    const auto folder = catalogue.GetFolderIDFromPath("개인 폴더/pictures/x");
+    ASSERT_TRUE(catalogue.MoveFolder(folder, folder));
+    EXPECT_TRUE(
+        catalogue.DeletePhoto(Photos().at(Pictures("a.jpg"))["guid"].get<std::string>().c_str()));
+  }
+  const json verdicts = Verdicts(7, {"--originals"});
+  EXPECT_EQ(verdicts, json({{"catalogue", "good"},
+                            {"facts", "good"},
+                            {"search", "note"},
+                            {"images", "good"},
+                            {"thumbnails", "good"},
+                            {"orphans", "note"},
+                            {"folders", "wrong"},
+                            {"photos", "wrong"},
+                            {"originals", "wrong"}}));
+  const std::string bytes = ReadFile(Catalogue());
+  WriteFile(Catalogue(), bytes.substr(0, 4096) + std::string(8192, 'x') + bytes.substr(12288));
+  EXPECT_EQ(Verdicts(7)["catalogue"], "wrong");
+  EXPECT_THAT(Vdsto({"ls"}).err, HasSubstr("vdsto check"));
+}
+
+TEST_F(StoreTest, SqlReadsAndChangesNothing) {
+  ImportThree();
+  const std::string count = "SELECT COUNT(*) AS n FROM PhotoMaster WHERE szFileName LIKE 'B*'";
+  EXPECT_EQ(Vdsto({"sql", count}).Json(), json::parse(R"([{"n": 2}])"));
+  EXPECT_EQ(RunVdsto({"--library", Library(), "sql", count}).out, "n\n2\n");
+  EXPECT_EQ(Vdsto({"sql", "--facts", "SELECT szGUID FROM PhotoFacts"}).Json().size(), 4U);
+  ExpectRefused({"sql", "--search", count}, 6, "no search.vdb");
+  ExpectRefused({"sql", "DELETE FROM PhotoMaster"}, 8, "only reads");
+  ExpectRefused({"sql", "SELECT 1 FROM TagInfo; DELETE FROM PhotoMaster"}, 2, "");
+  EXPECT_EQ(Vdsto({"stat"}).Json()["photos"], 4);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <sched.h>
 #include <signal.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -30,9 +31,12 @@ constexpr size_t kBigFile = 4'000'000;
 
 std::string Noise(size_t size, unsigned seed) {
   std::mt19937 random(seed);
-  std::string bytes(size, '\0');
-  for (char& byte : bytes) byte = static_cast<char>(random());
-  return bytes;
+  std::string bytes;
+  while (bytes.size() < size) {
+    const auto piece = random();
+    bytes.append(reinterpret_cast<const char*>(&piece), sizeof piece);
+  }
+  return bytes.substr(0, size);
 }
 
 /// What to know a file's contents by, short enough for a failure's message.
@@ -121,10 +125,54 @@ class UploadRunTest : public testing::TestWithParam<std::string> {
     return rows.IsEmpty() ? UPLOADLIST() : rows[0];
   }
 
+  /// After a kill: whatever the queue tells is at the target, and what was finished or sent before
+  /// has stayed as it was. Answers how many bytes there are still to send.
+  uint64_t CheckWhatIsLeft() {
+    WaitUntilQuiet();
+    vdstomgr::UploadListArray rows;
+    catalogue_.cGetUploadListByIndex(rows, rows_, 0);
+    std::map<std::string, uint64_t> parts;
+    for (const auto& entry : fs::recursive_directory_iterator(out_))
+      if (entry.path().extension() == ".part")
+        parts[entry.path().filename().string().substr(1, 36)] = entry.file_size();
+    uint64_t unsent = 0;
+    for (const UPLOADLIST& row : rows) {
+      struct stat state {};
+      const std::string path = out_ + "/" + row.szServerPath + "/" + row.szFileName;
+      const bool is_there = stat(path.c_str(), &state) == 0;
+      const uint64_t part = GetParam() == "dav" ? 0 : parts[row.szGUID];
+      EXPECT_TRUE(is_there || row.nStatus != 2) << path;
+      if (is_there) {
+        EXPECT_EQ(arrived_.emplace(path, state.st_ino).first->second, state.st_ino) << path;
+        continue;
+      }
+      EXPECT_GE(part, GetParam() == "dav" ? 0 : row.dxSentBytes) << path;
+      EXPECT_GE(part, parts_[row.szGUID]) << path;
+      parts_[row.szGUID] = part;
+      unsent += row.dxFileSize - part;
+    }
+    return unsent;
+  }
+  /// Until a server has written what a killed run had sent.
+  void WaitUntilQuiet() const {
+    if (GetParam() == "folder") return;
+    const auto bytes = [&] {
+      uint64_t sum = 0;
+      for (const auto& entry : fs::recursive_directory_iterator(out_))
+        if (entry.is_regular_file()) sum += entry.file_size() + 1;
+      return sum;
+    };
+    for (uint64_t before = ~0ull, now = bytes(); now != before;
+         before = std::exchange(now, bytes()))
+      std::this_thread::sleep_for(milliseconds(50));
+  }
+
   /// The statuses of all rows in their order.
   std::vector<int> Statuses() {
+    vdstomgr::UploadListArray rows;
+    catalogue_.cGetUploadListByIndex(rows, rows_, 0);
     std::vector<int> statuses;
-    for (int i = 0; i < rows_; ++i) statuses.push_back(Row(i).nStatus);
+    for (const UPLOADLIST& row : rows) statuses.push_back(row.nStatus);
     return statuses;
   }
 
@@ -132,6 +180,8 @@ class UploadRunTest : public testing::TestWithParam<std::string> {
   const std::string out_;
   CRkPhotoDBManager catalogue_;
   int rows_ = 0;
+  std::map<std::string, ino_t> arrived_;   // what CheckWhatIsLeft has seen, by its place
+  std::map<std::string, uint64_t> parts_;  // the same of unfinished files, by GUID
 };
 
 class UploadTargetTest : public UploadRunTest {};
@@ -140,7 +190,7 @@ INSTANTIATE_TEST_SUITE_P(Upload, UploadTargetTest, testing::Values("folder", "sf
 
 /// Killed at any moment, ten times: in the end every file is there once and nothing else.
 TEST_P(UploadTargetTest, EveryFileArrivesThoughTheUploaderIsKilled) {
-  constexpr int kFiles = 400;
+  constexpr int kFiles = 1000;
   const Target target(GetParam(), out_);
   std::mt19937 random(7);
   std::map<std::string, std::string> expected;
@@ -149,7 +199,7 @@ TEST_P(UploadTargetTest, EveryFileArrivesThoughTheUploaderIsKilled) {
       const std::string folder = "여행 #" + std::to_string(i % 7) + "/\"a\" & b";
       const std::string name = "사진 100% " + std::to_string(i) + ".jpg";
       const std::string bytes =
-          Noise(i % 100 == 7 ? kBigFile : random() % 40'000, static_cast<unsigned>(i));
+          Noise(i % 200 == 7 ? kBigFile : random() % 10'000, static_cast<unsigned>(i));
       Add(folder, name, bytes);
       expected[folder + "/" + name] = Known(bytes);
     }
@@ -159,16 +209,20 @@ TEST_P(UploadTargetTest, EveryFileArrivesThoughTheUploaderIsKilled) {
   vdstomgr::AlbumIndexArray albums{{3, 9}};
   EXPECT_TRUE(catalogue_.AddUploadTag(guid.c_str(), tags));
   EXPECT_TRUE(catalogue_.AddUploadAlbum(guid.c_str(), albums));
+  uint64_t unsent = 0;
   for (int kill = 0; kill < 10; ++kill) {
     const int ready = catalogue_.GetUploadReadyCount();
-    Program program(Command(target, {"--limit-rate", "40M"}));
+    Program program(Command(target, {"--limit-rate", "30M"}));
     WaitUntil([&] { return catalogue_.GetUploadReadyCount() != ready; });
     std::this_thread::sleep_for(milliseconds(random() % 60));
     program.Signal(SIGKILL);
     program.Wait();
+    unsent = CheckWhatIsLeft();
   }
   const Outcome outcome = Run(target);
   EXPECT_EQ(outcome.code, 0) << outcome.err;
+  EXPECT_EQ(outcome.Json()["bytes_sent"], unsent) << "nothing goes out twice";
+  CheckWhatIsLeft();
   EXPECT_EQ(Tree(out_), expected);
   EXPECT_EQ(Statuses(), std::vector<int>(kFiles, 2));
   EXPECT_TRUE(catalogue_.IsTagged(guid.c_str(), 7) && catalogue_.IsTagged(guid.c_str(), 8));
@@ -237,11 +291,16 @@ TEST_P(UploadTargetTest, FilesThatAreGoneOrChangeAreNamedAndTheOthersSent) {
   EXPECT_EQ(Tree(out_), (std::map<std::string, std::string>{{"a/empty.jpg", ""}}));
 }
 
-/// A small file system at the target's place; false when the test may not mount one.
-bool Mount(const std::string& folder, const char* size, unsigned long flags = 0) {
+/// May the test mount things, which nobody else sees?
+bool MayMount() {
   static const bool may =
       unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-  return may && mount("tmpfs", folder.c_str(), "tmpfs", flags, size) == 0;
+  return may;
+}
+
+/// A small file system at the target's place; false when the test may not mount one.
+bool Mount(const std::string& folder, const char* size, unsigned long flags = 0) {
+  return MayMount() && mount("tmpfs", folder.c_str(), "tmpfs", flags, size) == 0;
 }
 
 TEST_P(UploadTargetTest, AFullDiskEndsTheRunAndTheNextGoesOn) {
@@ -311,6 +370,78 @@ TEST_P(UploadServerTest, WhoIsNotLetInOrNotTrustedIsToldWhy) {
   const Outcome outcome = Run(target);
   EXPECT_EQ(outcome.code, 10);
   EXPECT_THAT(outcome.err, HasSubstr("connect"));
+}
+
+TEST_F(UploadRunTest, AgentsAndPasswordsOpenSshServers) {
+  const Target target("sftp", out_);
+  auto& ssh = dynamic_cast<SshServer&>(*target.server);
+  const std::string key = std::exchange(ssh.options, {}).at(1);
+  const auto code = [&] {
+    Add("a", "b.jpg", "contents");
+    return Run(target).code;
+  };
+  EXPECT_EQ(code(), 10) << "no key at all";
+  {
+    const SshAgent agent(key);
+    EXPECT_EQ(code(), 0);
+  }
+  // The password of whoever runs the test, for nobody but it and its server.
+  const std::string shadow = temp_ / "shadow";
+  WriteFile(shadow,
+            "root:$6$vdsto$reFt9c1/ITxVp2aFBkoC0NV90H1Q.zR1D9HE7uYehBPzY1bbgV4GJRxib2dgeokX/"
+            "sNw6loCnHBKqusvV7CEp.:20000:0:99999:7:::\n");
+  if (!MayMount() || mount(shadow.c_str(), "/etc/shadow", nullptr, MS_BIND, nullptr) != 0)
+    GTEST_SKIP() << "no right to give the user another password";
+  ssh.Kill();
+  ssh.Start();
+  setenv("VDSTO_UPLOAD_PASSWORD", "wrong", 1);
+  EXPECT_EQ(code(), 10);
+  setenv("VDSTO_UPLOAD_PASSWORD", "secret", 1);
+  EXPECT_EQ(code(), 0);
+  umount2("/etc/shadow", MNT_DETACH);
+}
+
+TEST_F(UploadRunTest, CertificatesAreChecked) {
+  if (!fs::exists("/usr/lib/lighttpd/mod_openssl.so"))
+    GTEST_SKIP() << "lighttpd-mod-openssl is not installed";
+  Target target("folder", out_);
+  const auto expect = [&](int code, std::unique_ptr<DavServer> server, const std::string& trusted) {
+    setenv("VDSTO_UPLOAD_CA", trusted.c_str(), 1);
+    server->Start();
+    target.url = server->url;
+    Add("a", "b.jpg", "contents");
+    const Outcome outcome = Run(target);
+    EXPECT_EQ(outcome.code, code) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr(code != 0 ? "certificate" : ""));
+    return Statuses().back();
+  };
+  auto right = std::make_unique<DavServer>(out_, "IP:127.0.0.1");
+  auto elsewhere = std::make_unique<DavServer>(out_, "DNS:elsewhere");
+  const std::string own = elsewhere->authority;
+  EXPECT_EQ(expect(10, std::move(elsewhere), own), 0);
+  EXPECT_EQ(expect(10, std::make_unique<DavServer>(out_, "IP:127.0.0.1"), right->authority), 0);
+  const std::string authority = right->authority;
+  EXPECT_EQ(expect(0, std::move(right), authority), 2);
+  unsetenv("VDSTO_UPLOAD_CA");
+}
+
+TEST_F(UploadRunTest, WhatAServerAnswersIsTheFilesStatus) {
+  AnsweringServer server;
+  server.Start();
+  Target target("folder", "");
+  const struct {
+    const char* answer;
+    int status, code;
+  } cases[] = {{"507", -7306, 10}, {"423", -7107, 9}, {"503", -7107, 9},
+               {"429", -7107, 9},  {"413", -7308, 9}, {"414", -7307, 9},
+               {"403", -7305, 9},  {"500", -500, 9},  {"201", -7212, 9}};
+  for (const auto& c : cases) {
+    catalogue_.DelUploadListAll();
+    Add("", "b.jpg", "contents");
+    target.url = server.url + "/" + c.answer;
+    EXPECT_EQ(Run(target, {"--retries", "0"}).code, c.code) << c.answer;
+    EXPECT_EQ(Row(0).nStatus, c.status) << c.answer;
+  }
 }
 
 TEST_F(UploadRunTest, OneRunAtATimeAndOnlyToPlacesThatAreThere) {

@@ -56,6 +56,12 @@ int Spawn(std::vector<std::string> command) {
   _exit(127);
 }
 
+void RunOrThrow(const std::vector<std::string>& command) {
+  int status = 0;
+  waitpid(Spawn(command), &status, 0);
+  if (status != 0) throw std::runtime_error(command.front() + " fails");
+}
+
 std::vector<int> ChildrenOf(int pid) {
   std::vector<int> children;
   const std::string number = std::to_string(pid);
@@ -103,7 +109,7 @@ SshServer::SshServer(const std::string& folder) : host_key(NewKey("host_key")) {
   if (getuid() == 0) fs::create_directories("/run/sshd");
   WriteFile(files_ / "config", "Port " + port_ + "\nListenAddress 127.0.0.1\nHostKey " + host_key +
                                    "\nPidFile none\nAuthorizedKeysFile " + user_key +
-                                   ".pub\nStrictModes no\nUsePAM no\nPasswordAuthentication no\n"
+                                   ".pub\nStrictModes no\nUsePAM no\n"
                                    "PermitRootLogin yes\nSubsystem sftp internal-sftp\n");
   command_ = {"/usr/sbin/sshd", "-D", "-f", files_ / "config", "-E", files_ / "log"};
   url = "sftp://" + UserName() + "@127.0.0.1:" + port_ + folder;
@@ -114,10 +120,7 @@ SshServer::SshServer(const std::string& folder) : host_key(NewKey("host_key")) {
 
 std::string SshServer::NewKey(const std::string& name) {
   const std::string path = files_ / name;
-  const int pid = Spawn({"/usr/bin/ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", path});
-  int status = 0;
-  waitpid(pid, &status, 0);
-  if (status != 0) throw std::runtime_error("ssh-keygen fails");
+  RunOrThrow({"/usr/bin/ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", path});
   return path;
 }
 
@@ -125,11 +128,25 @@ void SshServer::Believe(const std::string& key) const {
   WriteFile(files_ / "known_hosts", "[127.0.0.1]:" + port_ + " " + ReadFile(key + ".pub"));
 }
 
-DavServer::DavServer(const std::string& folder) {
+SshAgent::SshAgent(const std::string& key)
+    : pid_(Spawn({"/usr/bin/ssh-agent", "-D", "-a", files_ / "socket"})) {
+  setenv("SSH_AUTH_SOCK", (files_ / "socket").c_str(), 1);
+  for (int i = 0; i < 500 && !fs::exists(files_ / "socket"); ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  RunOrThrow({"/usr/bin/ssh-add", "-q", key});
+}
+
+SshAgent::~SshAgent() {
+  unsetenv("SSH_AUTH_SOCK");
+  kill(pid_, SIGKILL);
+  waitpid(pid_, nullptr, 0);
+}
+
+DavServer::DavServer(const std::string& folder, const std::string& name) {
   const std::string own = fs::path(files_ / "users").parent_path().string();
   WriteFile(own + "/users", "me:secret\n");
-  WriteFile(own + "/config", "server.document-root = \"" + folder + "\"\nserver.port = " + port_ +
-                                 "\nvar.own = \"" + own + "\"" + R"(
+  std::string config = "server.document-root = \"" + folder + "\"\nserver.port = " + port_ +
+                       "\nvar.own = \"" + own + "\"" + R"(
 server.modules = ("mod_auth", "mod_authn_file", "mod_webdav")
 server.bind = "127.0.0.1"
 server.errorlog = var.own + "/log"
@@ -138,10 +155,66 @@ webdav.activate = "enable"
 auth.backend = "plain"
 auth.backend.plain.userfile = var.own + "/users"
 auth.require = ("/" => ("method" => "basic", "realm" => "test", "require" => "valid-user"))
-)");
-  command_ = {"/usr/sbin/lighttpd", "-D", "-f", files_ / "config"};
-  url = "http://me@127.0.0.1:" + port_;
+)";
+  if (!name.empty()) {
+    Certify(own, name);
+    config += R"(server.modules += ("mod_openssl")
+ssl.engine = "enable"
+ssl.pemfile = var.own + "/server"
+ssl.privkey = var.own + "/server.key"
+)";
+  }
+  WriteFile(own + "/config", config);
+  command_ = {"/usr/sbin/lighttpd", "-D", "-f", own + "/config"};
+  url = (name.empty() ? "http" : "https") + ("://me@127.0.0.1:" + port_);
   setenv("VDSTO_UPLOAD_PASSWORD", "secret", 1);
+}
+
+void DavServer::Certify(const std::string& own, const std::string& name) {
+  const auto make = [&](const std::string& file, std::vector<std::string> more) {
+    std::vector<std::string> command{"/usr/bin/openssl",
+                                     "req",
+                                     "-x509",
+                                     "-newkey",
+                                     "ed25519",
+                                     "-nodes",
+                                     "-days",
+                                     "2",
+                                     "-subj",
+                                     "/CN=test",
+                                     "-out",
+                                     own + file,
+                                     "-keyout",
+                                     own + file + ".key"};
+    command.insert(command.end(), more.begin(), more.end());
+    RunOrThrow(command);
+  };
+  authority = own + "/authority";
+  make("/authority", {});
+  make("/server", {"-CA", authority, "-CAkey", authority + ".key", "-addext",
+                   "subjectAltName=" + name, "-addext", "basicConstraints=critical,CA:FALSE"});
+}
+
+AnsweringServer::AnsweringServer() {
+  constexpr const char* kServer = R"(
+import http.server, sys
+class Server(http.server.BaseHTTPRequestHandler):
+    protocol_version = 'HTTP/1.1'
+    def answer(self, status, body=b''):
+        self.rfile.read(int(self.headers.get('Content-Length', 0)))
+        self.send_response(status)
+        self.send_header('Content-Length', str(len(body)))
+        self.end_headers()
+        self.wfile.write(body)
+    def do_PROPFIND(self): self.answer(207, b'<multistatus xmlns="DAV:"/>')
+    def do_HEAD(self): self.answer(200)
+    def do_PUT(self): self.answer(int(self.path.split('/')[1]))
+    do_MKCOL = do_DELETE = lambda self: self.answer(201)
+    def log_message(self, *words): pass
+http.server.ThreadingHTTPServer(('127.0.0.1', int(sys.argv[1])), Server).serve_forever()
+)";
+  command_ = {"/usr/bin/python3", "-c", kServer, port_};
+  url = "http://127.0.0.1:" + port_;
 }
 
 }  // namespace vdsto_test

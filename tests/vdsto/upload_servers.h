@@ -33,7 +33,8 @@ class UploadServer {
   int pid_ = -1;
 };
 
-/// OpenSSH's SFTP server. Its key is in VDSTO_UPLOAD_KNOWN_HOSTS, the user's key in the options.
+/// OpenSSH's SFTP server. Its key is in VDSTO_UPLOAD_KNOWN_HOSTS, the user's key in the options;
+/// the system's password does as well.
 class SshServer : public UploadServer {
  public:
   explicit SshServer(const std::string& folder);
@@ -45,10 +46,37 @@ class SshServer : public UploadServer {
   std::string host_key;
 };
 
-/// lighttpd as WebDAV server. The password is in VDSTO_UPLOAD_PASSWORD.
+/// An ssh agent that knows one key, in SSH_AUTH_SOCK.
+class SshAgent {
+ public:
+  explicit SshAgent(const std::string& key);
+  ~SshAgent();
+  SshAgent(const SshAgent&) = delete;
+  SshAgent& operator=(const SshAgent&) = delete;
+
+ private:
+  TempFolder files_;
+  int pid_;
+};
+
+/// lighttpd as WebDAV server. The password is in VDSTO_UPLOAD_PASSWORD. With a `name` it is https,
+/// and the server's certificate is for that ("IP:127.0.0.1").
 class DavServer : public UploadServer {
  public:
-  explicit DavServer(const std::string& folder);
+  explicit DavServer(const std::string& folder, const std::string& name = "");
+
+  /// The certificate of who signed that of the server.
+  std::string authority;
+
+ private:
+  void Certify(const std::string& own, const std::string& name);
+};
+
+/// A WebDAV server of the test's own that answers each upload with the status that the path begins
+/// with ("/507") and keeps nothing.
+class AnsweringServer : public UploadServer {
+ public:
+  AnsweringServer();
 };
 
 }  // namespace vdsto_test

@@ -90,4 +90,79 @@ TEST_F(UploadCommandTest, WhatFailedOrIsDoneIsTriedAgainSavedOrTakenOut) {
   EXPECT_EQ(Queue(true), "c d.png waiting e.png waiting ");
 }
 
+TEST_F(UploadCommandTest, WhatIsFoundIsQueuedWithItsTagsAndAlbums) {
+  Vdsto({"room", "create", "집"});
+  Vdsto({"album", "create", "집/제주"});
+  Vdsto({"tag", "add", "바다", "a.png"});
+  const auto gifts = [&] {
+    std::string text;
+    for (const json& row : Upload({"ls"}).Json())
+      text += std::string(row["name"]) + row["tags"].dump() + row["albums"].dump() + " ";
+    return text;
+  };
+  const std::string both = R"(["바다","여행"])", album = R"(["집/제주"] )";
+  const struct {
+    std::vector<std::string> words;
+    int code;
+    std::string queue;
+  } cases[] = {
+      {{"add"}, 2, ""},
+      {{"add", "a.png", "--rating", "5"}, 2, ""},
+      {{"add", "--find", "png", "--rating", "5"}, 6, ""},
+      {{"add", "--find", "png", "--tag", "a,b"}, 2, ""},
+      {{"add", "--find", "png", "--album", "집"}, 2, ""},
+      {{"add", "--find", "png", "--find", "d", "--tag", "바다"}, 0, R"(c d.png["바다"][] )"},
+      {{"add", "c d.png", "--tag", "여행", "--tag", "바다", "--album", "집/제주"},
+       0,
+       "c d.png" + both + album},
+      {{"add", "e.png", "--find", "c d", "--since", "2000"},
+       0,
+       "c d.png" + both + album + "e.png[][] "},
+      {{"rm", "c d.png"}, 0, "e.png[][] "},
+      {{"add", "c d.png"}, 0, "e.png[][] c d.png[][] "},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(Upload(c.words).code, c.code) << testing::PrintToString(c.words);
+    EXPECT_EQ(gifts(), c.queue) << testing::PrintToString(c.words);
+  }
+}
+
+TEST_F(UploadCommandTest, ASynchronisationHasAQueueOfItsOwn) {
+  const auto list = [&](std::vector<std::string> words) {
+    words.insert(words.begin(), "synclist");
+    return Vdsto(words);
+  };
+  const auto queue = [&] {
+    std::string text;
+    for (const json& row : list({"ls"}).Json())
+      text +=
+          std::string(row["name"]) + ":" + std::string(row["status"]) + row["error"].dump() + " ";
+    return text;
+  };
+  EXPECT_EQ(list({"next"}).code, 6);
+  EXPECT_EQ(list({"add", "e.png", "a.png", "--once", "--tell-end"}).Json()["changed"], 2);
+  EXPECT_EQ(list({"add", "c d.png", "e.png"}).Json()["unchanged"], 1);
+  EXPECT_EQ(list({"ls", "--from", "2", "--count", "1"}).Json()[0]["original"], Pictures("c d.png"))
+      << "every process counts places anew, on purpose";
+  const json next = list({"next"}).Json();
+  EXPECT_EQ(next["name"].dump() + next["once"].dump() + next["tell_end"].dump(),
+            "\"e.png\"truetrue");
+  EXPECT_EQ(list({"next"}).Json()["name"], "c d.png");
+  EXPECT_EQ(list({"done", "e.png"}).code, 0);
+  EXPECT_EQ(list({"done", "a.png", "--error", "-7103"}).code, 0);
+  EXPECT_EQ(list({"done", "b|b.png"}).code, 6);
+  EXPECT_EQ(queue(), "e.png:donenull c d.png:sendingnull a.png:failed-7103 ");
+  const json stat = list({"stat"}).Json();
+  EXPECT_EQ(stat["waiting"].dump() + stat["sending"].dump() + stat["done"].dump() +
+                stat["failed"].dump() + stat["uploads"].dump(),
+            "01113");
+  EXPECT_EQ(list({"retry"}).Json()["changed"], 1);
+  EXPECT_EQ(list({"add", "e.png"}).Json()["changed"], 1) << "again, without the marks";
+  EXPECT_EQ(list({"next"}).Json()["once"], false);
+  EXPECT_EQ(queue(), "e.png:sendingnull c d.png:sendingnull a.png:waitingnull ");
+  EXPECT_EQ(list({"retry", "--all"}).Json()["changed"], 2);
+  EXPECT_EQ(list({"clear"}).Json()["changed"], 3);
+  EXPECT_EQ(queue() + Queue(false), "") << "the other queue is not touched";
+}
+
 }  // namespace

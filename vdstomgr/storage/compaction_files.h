@@ -22,14 +22,24 @@ struct CompactionFiles {
         old_data(data + ".bak"),
         old_index(index + ".bak") {}
 
+  /// The index goes first: alone it would be taken for that of a compaction that is nearly done.
   void DeleteNew() const {
-    DeleteUnlessInUse(new_data);
     DeleteUnlessInUse(new_index);
+    DeleteUnlessInUse(new_data);
   }
   void DeleteOld() const {
     DeleteUnlessInUse(old_data);
     DeleteUnlessInUse(old_index);
   }
 };
+
+struct StoragePair {
+  CString data;
+  CString index;
+};
+
+/// The names under which the two files of a storage lie now: their own but for a compaction that is
+/// renaming them, or was killed there.
+StoragePair PairInForce(const CompactionFiles& files);
 
 }  // namespace vdstomgr

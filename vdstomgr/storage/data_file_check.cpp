@@ -21,10 +21,14 @@ void AddFinding(StorageReport& report, StorageFault fault, std::uint64_t offset,
   report.findings.push_back({fault, offset, std::move(text)});
 }
 
-std::string PrintableKey(const DataHeader& header, KeyBytes key) {
+std::string KeyText(const DataHeader& header, KeyBytes key) {
   if (header.key_type == kNumberKey) return std::to_string(LoadLittle<DWORD>(key.data()));
-  const auto end = std::find(key.begin(), key.end(), BYTE{0});
-  std::string text(key.begin(), end);
+  return {key.begin(), std::find(key.begin(), key.end(), BYTE{0})};
+}
+
+std::string PrintableKey(const DataHeader& header, KeyBytes key) {
+  std::string text = KeyText(header, key);
+  if (header.key_type == kNumberKey) return text;
   std::replace_if(
       text.begin(), text.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
   return '"' + text + '"';
@@ -68,7 +72,9 @@ std::optional<DataFileCheck> DataFileCheck::Begin(os::File& file, StorageReport&
 
 bool DataFileCheck::ReadInto(std::uint64_t offset, BYTE* bytes, std::size_t size) {
   std::size_t count = 0;
-  return !file_->ReadAt(kDataHeaderBytes + offset, bytes, size, count) && count == size;
+  const auto error = file_->ReadAt(kDataHeaderBytes + offset, bytes, size, count);
+  if (error) read_error_ = error;
+  return !error && count == size;
 }
 
 const BYTE* DataFileCheck::Read(std::uint64_t offset, std::size_t size) {
@@ -101,18 +107,25 @@ bool DataFileCheck::IsRecordAt(std::uint64_t offset, const RecordHead& head) {
          HasEndMark(mark + kEndMarkBytes);
 }
 
-bool DataFileCheck::HasRightChecksum(std::uint64_t offset, const RecordHead& head) {
+bool DataFileCheck::IsGoodRecord(const RecordPlace& place) {
+  if (!place.IsWithin(header_)) return false;
+  const auto head = HeadAt(place.offset);
+  return head && head->IsLive() && head->length == place.length && head->crc == place.crc &&
+         IsRecordAt(place.offset, *head) && HasRightChecksum(place.offset, *head);
+}
+
+std::optional<DWORD> DataFileCheck::ChecksumAt(std::uint64_t offset, DWORD length) {
   std::uint64_t at = offset + header_.DataInRecord();
-  const std::uint64_t end = offset + head.length - kEndMarkBytes;
+  const std::uint64_t end = offset + length - kEndMarkBytes;
   DWORD crc = CRkCRC32Generator::GenCRC32(nullptr, 0);
   while (at < end) {
     const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(end - at, kWindowBytes));
     const BYTE* const bytes = Read(at, size);
-    if (bytes == nullptr) return false;
+    if (bytes == nullptr) return std::nullopt;
     crc = CRkCRC32Generator::GenCRC32(bytes, size, crc);
     at += size;
   }
-  return crc == head.crc;
+  return crc;
 }
 
 /// Whether what stands here is the beginning of a record that the file does not have all of.
@@ -129,12 +142,12 @@ bool DataFileCheck::Pay(std::uint64_t cost) {
   return true;
 }
 
-/// The offset of the next record with the right checksum, or the end.
-std::uint64_t DataFileCheck::FindRecord(std::uint64_t offset) {
-  for (; offset < end_; ++offset) {
-    const auto ahead = static_cast<std::size_t>(std::min<std::uint64_t>(end_ - offset, 1 << 12));
+/// The offset of the next record with the right checksum that begins before the limit, or that.
+std::uint64_t DataFileCheck::FindRecord(std::uint64_t offset, std::uint64_t limit) {
+  for (; offset < limit; ++offset) {
+    const auto ahead = static_cast<std::size_t>(std::min<std::uint64_t>(limit - offset, 1 << 12));
     const BYTE* const bytes = Read(offset, ahead);
-    if (bytes == nullptr) return end_;
+    if (bytes == nullptr) return limit;
     const void* const start = std::memchr(bytes, 0xFF, ahead);
     if (start == nullptr) {
       offset += ahead - 1;
@@ -143,20 +156,21 @@ std::uint64_t DataFileCheck::FindRecord(std::uint64_t offset) {
     offset += static_cast<std::uint64_t>(static_cast<const BYTE*>(start) - bytes);
     const auto head = HeadAt(offset);
     if (!head) continue;
-    if (!Pay(kCandidateCost)) return end_;
+    if (!Pay(kCandidateCost)) return limit;
     if (!IsRecordAt(offset, *head)) continue;
-    if (!Pay(head->length)) return end_;
+    if (!Pay(head->length)) return limit;
     if (HasRightChecksum(offset, *head)) return offset;
   }
-  return end_;
+  return limit;
 }
 
-void DataFileCheck::Visit(std::uint64_t offset, const RecordHead& head, StorageReport& report,
+void DataFileCheck::Visit(std::uint64_t offset, const RecordHead& head, bool has_right_checksum,
+                          StorageReport& report,
                           const std::function<void(const CheckedRecord&)>& visit) {
   CheckedRecord record;
   record.place = {offset, head.length, head.crc};
   record.is_live = head.IsLive();
-  record.has_right_checksum = HasRightChecksum(offset, head);
+  record.has_right_checksum = has_right_checksum;
   if (!ReadInto(offset + RecordHead::kBytes, key_.data(), key_.size())) return;
   record.key = key_;
   if (!record.is_live) {
@@ -178,12 +192,15 @@ void DataFileCheck::Walk(StorageReport& report,
   report.data_bytes = end_;
   for (std::uint64_t offset = 0; offset < end_;) {
     const auto head = HeadAt(offset);
-    if (head && IsRecordAt(offset, *head)) {
-      Visit(offset, *head, report, visit);
-      offset += head->length;
+    const bool is_record = head && IsRecordAt(offset, *head);
+    const bool is_right = is_record && HasRightChecksum(offset, *head);
+    const std::uint64_t limit = is_record ? offset + head->length : end_;
+    const std::uint64_t next = is_right ? limit : FindRecord(offset + 1, limit);
+    if (is_record && next == limit) {
+      Visit(offset, *head, is_right, report, visit);
+      offset = limit;
       continue;
     }
-    const std::uint64_t next = FindRecord(offset + 1);
     const bool is_tail = next == end_ && IsCutOff(offset);
     ++report.damaged_records;
     AddFinding(report, is_tail ? StorageFault::RecordTailShort : StorageFault::RecordDamaged,
@@ -191,6 +208,10 @@ void DataFileCheck::Walk(StorageReport& report,
                std::to_string(next - offset) + (is_tail ? " bytes of a record that is not all there"
                                                         : " bytes that are no record"));
     offset = next;
+  }
+  if (read_error_) {
+    AddFinding(report, StorageFault::DataFileUnreadable, 0,
+               "the data file cannot be read in places: " + read_error_.message());
   }
 }
 

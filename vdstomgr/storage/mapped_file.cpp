@@ -8,6 +8,7 @@
 
 #include "vdstomgr/platform/report/report.h"
 #include "vdstomgr/platform/text/code_page.h"
+#include "vdstomgr/storage/note_storage_error.h"
 
 namespace vdstomgr {
 namespace {
@@ -46,7 +47,8 @@ bool IsSum(std::uint64_t left, std::uint64_t right) {
 
 bool MappedFile::Open(const char* path, int mapping_mode, int open_mode) {
   if (is_open_) return false;
-  const auto error = OpenNative(path, mapping_mode, open_mode);
+  const auto error =
+      NoteStorageError(CString(path).Str(), OpenNative(path, mapping_mode, open_mode));
   if (!error) return true;
   CString text;
   text.Format("CRkM OpenFile >> Error with %d", error.value());
@@ -69,6 +71,10 @@ std::error_code MappedFile::OpenNative(const char* name, int mapping_mode, int o
   mapping_mode_ = mapping_mode;
   is_open_ = true;
   return {};
+}
+
+std::error_code MappedFile::Note(std::error_code error) const {
+  return NoteStorageError(path_.Str(), error);
 }
 
 bool MappedFile::Close() {
@@ -202,7 +208,7 @@ bool MappedFile::Grow(std::uint64_t size) {
   if (HasView() || new_size == 0) return false;
   const bool had_map = std::exchange(has_map_, false);
   if (window_offset_ != 0) window_.reset();
-  const bool grown = !file_->Grow(new_size, window_);
+  const bool grown = !Note(file_->Grow(new_size, window_));
   if (grown) known_size_ = new_size;
   reserved_ = UnitStart(reserved_);  // what ended with the file may now be a part of a larger piece
   if (!had_map) return grown;
@@ -220,7 +226,7 @@ bool MappedFile::ReserveMore(std::uint64_t offset, std::uint64_t size) {
   const std::uint64_t last_unit = UnitStart(offset + size - 1);
   const std::uint64_t end =
       last_unit + std::min(os::ExclusiveFile::kSpaceUnit, known_size_ - last_unit);
-  if (const auto error = file_->Reserve(begin, end - begin)) {
+  if (const auto error = Note(file_->Reserve(begin, end - begin))) {
     Trace("CRkFileMapper::Reserve >> Error : %d [%s]\n", error.value(), path_.GetString());
     return false;
   }
@@ -231,11 +237,11 @@ bool MappedFile::ReserveMore(std::uint64_t offset, std::uint64_t size) {
 
 bool MappedFile::Sync() {
   if (file_ == nullptr) return false;
-  if (window_ != nullptr && window_->Flush(0, window_->Size(), os::FlushDepth::durable)) {
+  if (window_ != nullptr && Note(window_->Flush(0, window_->Size(), os::FlushDepth::durable))) {
     return false;
   }
-  if (file_->Sync()) return false;
-  return !os::Files().SyncNames(ToUtf8(path_));
+  if (Note(file_->Sync())) return false;
+  return !Note(os::Files().SyncNames(ToUtf8(path_)));
 }
 
 }  // namespace vdstomgr

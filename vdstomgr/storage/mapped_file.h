@@ -57,6 +57,8 @@ class MappedFile {
   bool IsInWindow(std::uint64_t offset, std::uint64_t size) const;
   std::uint64_t GrownSize(std::uint64_t size) const;
   bool ReserveMore(std::uint64_t offset, std::uint64_t size);
+  /// Keeps why the system refused something, for TakeStorageError.
+  std::error_code Note(std::error_code error) const;
 
   std::atomic<int> step_ = 0x6400000;
   std::atomic<bool> is_open_ = false;

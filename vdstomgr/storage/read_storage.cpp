@@ -10,8 +10,8 @@
 #include "vdstomgr/platform/os/file.h"
 #include "vdstomgr/storage/array_format.h"
 #include "vdstomgr/storage/cluster_table.h"
+#include "vdstomgr/storage/compaction_files.h"
 #include "vdstomgr/storage/little_endian.h"
-#include "vdstomgr/storage/storage_files.h"
 
 namespace vdstomgr {
 namespace {
@@ -28,8 +28,9 @@ bool ReadWhole(os::File& file, std::uint64_t offset, void* buffer, std::size_t s
 /// One look at the two files as they are now.
 class Glance {
  public:
-  Glance(const CString& data_path, WORD key_type, KeyBytes key) : key_type_(key_type), key_(key) {
-    is_readable_ = OpenData(data_path) && OpenIndex(IndexPathOf(data_path));
+  Glance(const char* path, WORD key_type, KeyBytes key) : key_type_(key_type), key_(key) {
+    const StoragePair pair = PairInForce(CompactionFiles(path));
+    is_readable_ = OpenData(pair.data) && OpenIndex(pair.index);
   }
 
   StorageLookup Find(CBinData& data) {

@@ -17,7 +17,6 @@ constexpr std::size_t kKeyTypeAt = 20;
 constexpr std::size_t kKeyLengthAt = 22;
 
 constexpr BYTE kStartMark = 0xFF;
-constexpr BYTE kEndMark[] = {0x00, 0xFF};
 constexpr std::size_t kStateAt = 1;
 constexpr std::size_t kLengthAt = 2;
 constexpr std::size_t kCrcAt = 6;
@@ -36,9 +35,12 @@ BYTE* PutKey(BYTE* at, std::size_t key_length, KeyBytes key) {
 
 std::optional<DataHeader> DataHeader::Decode(const BYTE* bytes) {
   if (std::memcmp(bytes, kStart, kSignatureBytes) != 0) return std::nullopt;
-  return DataHeader{LoadLittle<DWORD>(bytes + kStorageIdAt), LoadLittle<WORD>(bytes + kKeyTypeAt),
-                    LoadLittle<WORD>(bytes + kKeyLengthAt),
-                    LoadLittle<std::uint64_t>(bytes + kDataLengthAt)};
+  return DecodeAny(bytes);
+}
+
+DataHeader DataHeader::DecodeAny(const BYTE* bytes) {
+  return {LoadLittle<DWORD>(bytes + kStorageIdAt), LoadLittle<WORD>(bytes + kKeyTypeAt),
+          LoadLittle<WORD>(bytes + kKeyLengthAt), LoadLittle<std::uint64_t>(bytes + kDataLengthAt)};
 }
 
 bool DataHeader::HasKnownVersion(const BYTE* bytes) {
@@ -75,6 +77,13 @@ void EncodeRecord(BYTE* record, const RecordPlace& place, WORD key_length, KeyBy
   BYTE* const end = PutKey(record + RecordHead::kBytes, key_length, key);
   if (data_length != 0) std::memcpy(end, data, data_length);
   std::memcpy(end + data_length, kEndMark, sizeof kEndMark);
+}
+
+void EncodeRemovedHead(BYTE* head, DWORD length, DWORD crc) {
+  head[0] = kStartMark;
+  MarkRemoved(head);
+  StoreLittle(head + kLengthAt, length);
+  StoreLittle(head + kCrcAt, crc);
 }
 
 void MarkRemoved(BYTE* record) {

@@ -13,7 +13,8 @@ inline constexpr std::size_t kDataHeaderBytes = 284;
 inline constexpr std::size_t kDataLengthAt = 24;  ///< in the header of the data file
 /// What a record has besides its key and data.
 inline constexpr DWORD kRecordFrameBytes = 14;
-inline constexpr DWORD kEndMarkBytes = 2;
+inline constexpr BYTE kEndMark[] = {0x00, 0xFF};
+inline constexpr DWORD kEndMarkBytes = sizeof kEndMark;
 /// What a cluster has besides its key.
 inline constexpr DWORD kClusterFrameBytes = 18;
 
@@ -26,6 +27,8 @@ struct DataHeader {
 
   /// Nothing unless the bytes begin with the signature. The values may still be lies.
   static std::optional<DataHeader> Decode(const BYTE* bytes);
+  /// As Decode, whatever the signature.
+  static DataHeader DecodeAny(const BYTE* bytes);
   /// Whether a header is of the version that Encode writes.
   static bool HasKnownVersion(const BYTE* bytes);
   std::array<BYTE, kDataHeaderBytes> Encode() const;
@@ -74,6 +77,8 @@ struct RecordHead {
 /// Writes a live record of `place.length` bytes. Shorter keys are filled up with zeros.
 void EncodeRecord(BYTE* record, const RecordPlace& place, WORD key_length, KeyBytes key,
                   const BYTE* data);
+/// The first RecordHead::kBytes of a removed record.
+void EncodeRemovedHead(BYTE* head, DWORD length, DWORD crc);
 /// Makes a record a removed one.
 void MarkRemoved(BYTE* record);
 bool HasEndMark(const BYTE* record_end);

@@ -53,7 +53,8 @@ bool CRkStorageManager::State::CopyTo(const CString& new_data_path, const CStrin
   for (std::size_t position = 0; done && position < size; ++position) {
     done = CopyRecord(position, target);
   }
-  done = done && target.clusters.Sort();
+  // On the device before a name changes: whoever finds the new files may believe them.
+  done = done && target.clusters.Sort() && target.data.Sync() && target.clusters.Sync();
   target.Free();
   if (done) return true;
   DeleteUnlessInUse(new_data_path);

@@ -1,6 +1,7 @@
 #include "vdstomgr/storage/storage_files.h"
 
 #include "vdstomgr/platform/text/code_page.h"
+#include "vdstomgr/storage/note_storage_error.h"
 
 namespace vdstomgr {
 
@@ -11,6 +12,17 @@ CString IndexPathOf(const CString& data_path) {
 
 std::string NativePath(const CString& path) {
   return ToUtf8(path.Str());
+}
+
+bool IsThere(const CString& path) {
+  return os::Files().Exists(NativePath(path));
+}
+
+CString FreeNameOf(const CString& path, const char* suffix) {
+  const CString first = path + suffix;
+  CString name = first;
+  for (int number = 2; IsThere(name); ++number) name.Format("%s.%d", first.GetString(), number);
+  return name;
 }
 
 FileToDelete::FileToDelete(const CString& path) : is_free_(path.IsEmpty()) {
@@ -36,7 +48,7 @@ void DeleteUnlessInUse(const CString& path) {
 }
 
 bool MoveTo(const CString& from, const CString& to) {
-  return !os::Files().Rename(NativePath(from), NativePath(to));
+  return !NoteStorageError(from.Str(), os::Files().Rename(NativePath(from), NativePath(to)));
 }
 
 }  // namespace vdstomgr

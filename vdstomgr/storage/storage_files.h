@@ -34,6 +34,11 @@ class FileToDelete {
 /// when they are gone.
 bool DeleteStorageFiles(const CString& data_path);
 
+/// Whether there is anything of that name.
+bool IsThere(const CString& path);
+/// A name made of the path and `suffix` that is not taken, with ".2" and so on where it must be.
+CString FreeNameOf(const CString& path, const char* suffix);
+
 /// Deletes a file if it is there and nobody has it open for writing.
 void DeleteUnlessInUse(const CString& path);
 /// False when there is no such file, when somebody has it open for writing, or when the new name is

@@ -12,6 +12,7 @@
 #include "vdstomgr/platform/text/code_page.h"
 #include "vdstomgr/storage/array_format.h"
 #include "vdstomgr/storage/little_endian.h"
+#include "vdstomgr/storage/note_storage_error.h"
 #include "vdstomgr/storage/unit_moves.h"
 
 namespace vdstomgr {
@@ -42,7 +43,7 @@ bool UnitFile::Create(const char* path, DWORD array_id, int unit_size) {
   const auto error = unit_size < 1
                          ? std::make_error_code(std::errc::invalid_argument)
                          : os::Files().CreateNew(ToUtf8(name), os::Caching::write_through, file);
-  if (error) {
+  if (NoteStorageError(name.Str(), error)) {
     Trace(
         "CRkFileArrayManager::CreateFileArray((File)%s, (ID)%X, (Unit)%d) > return false for "
         "CreateFile Fail (Error:%d)",
@@ -50,7 +51,10 @@ bool UnitFile::Create(const char* path, DWORD array_id, int unit_size) {
     return false;
   }
   const auto header = ArrayHeader{array_id, static_cast<DWORD>(unit_size), 0}.Encode();
-  if (!file->SetSize(header.size()) && !file->WriteAt(0, header.data(), header.size())) return true;
+  if (!NoteStorageError(name.Str(), file->SetSize(header.size())) &&
+      !NoteStorageError(name.Str(), file->WriteAt(0, header.data(), header.size()))) {
+    return true;
+  }
   (void)file->Delete();
   Trace(
       "CRkFileArrayManager::CreateFileArray((File)%s, (ID)%X, (Unit)%d) > return false for Failure "

@@ -7,9 +7,9 @@
 
 #include "vdstomgr/storage/array_format.h"
 #include "vdstomgr/storage/cluster_table.h"
+#include "vdstomgr/storage/compaction_files.h"
 #include "vdstomgr/storage/data_file_check.h"
 #include "vdstomgr/storage/little_endian.h"
-#include "vdstomgr/storage/storage_files.h"
 
 namespace vdstomgr {
 namespace {
@@ -217,19 +217,25 @@ bool IsMendedByLoad(StorageFault fault) {
          fault == StorageFault::ClusterOrder;
 }
 
-StorageReport VerifyStorage(const char* path) {
+StorageReport VerifyStorage(const char* path,
+                            const std::function<void(const std::string& key)>& visit) {
   StorageReport report;
-  const CString data_path(path);
+  const StoragePair pair = PairInForce(CompactionFiles(path));
   std::unique_ptr<os::File> file;
-  if (os::Files().Open(NativePath(data_path), os::OpenMode::read, file)) {
-    AddFinding(report, StorageFault::DataFileUnreadable, 0, "the data file cannot be read");
+  if (const auto error = os::Files().Open(NativePath(pair.data), os::OpenMode::read, file)) {
+    AddFinding(report, StorageFault::DataFileUnreadable, 0,
+               "the data file cannot be read: " + error.message());
     return report;
   }
   auto data = DataFileCheck::Begin(*file, report);
   if (!data) return report;
   IndexCheck index(*data, report);
-  index.Load(NativePath(IndexPathOf(data_path)));
-  data->Walk(report, [&](const CheckedRecord& record) { index.Compare(record); });
+  index.Load(NativePath(pair.index));
+  data->Walk(report, [&](const CheckedRecord& record) {
+    index.Compare(record);
+    if (visit && record.is_live && record.has_right_checksum)
+      visit(KeyText(data->Header(), record.key));
+  });
   index.Finish();
   return report;
 }

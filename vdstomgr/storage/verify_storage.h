@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -64,7 +65,10 @@ struct StorageReport {
 
 /// Walks data file and index file (path of the data file, in the process's code page) and checks
 /// marks, lengths, checksums, order, overlaps and that the two agree. Changes nothing and asks for
-/// no lock: a storage that is in use may be reported with its latest change half-way.
-VDSTO_API StorageReport VerifyStorage(const char* path);
+/// no lock: a storage that is in use may be reported with its latest change half-way. While a
+/// compaction renames the files, or after it was killed there, they are looked at where they are.
+/// `visit` is told the key of every live record with the right checksum, a number in decimal.
+VDSTO_API StorageReport
+VerifyStorage(const char* path, const std::function<void(const std::string& key)>& visit = {});
 
 }  // namespace vdstomgr

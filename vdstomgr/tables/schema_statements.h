@@ -85,6 +85,8 @@ inline constexpr const char* kCreateStatements[] = {
     // The claims of small files and of thumbnails to be made.
     "CREATE INDEX IX5_UploadList ON UploadList (nStatus, byteSmall, nDispOrder)",
     "CREATE INDEX IX6_UploadList ON UploadList (nStatus, byteSmall, nThumbStatus, nDispOrder)",
+    // The walk to the first ready row, in the order that IX1 gives rows of one place.
+    "CREATE INDEX IX7_UploadList ON UploadList (nDispOrder, nID, nStatus)",
     kCreateSyncUploadList,
     kIndexSyncUploadList[0],
     kIndexSyncUploadList[1],

@@ -81,12 +81,17 @@ void ConfirmLoss(const ChangePlan& plan, const ChangeOptions& options) {
 
 ExitCode ChangePhotos(Invocation& invocation, Library& library, const PhotoWords& words,
                       const ChangeOptions& options, const PhotoChange& change) {
+  return ChangePhotos(invocation, library, SelectPhotos(library, words), options, change);
+}
+
+ExitCode ChangePhotos(Invocation& invocation, Library& library, const CStringArray& photos,
+                      const ChangeOptions& options, const PhotoChange& change) {
   CataloguePath paths(library);
   ChangePlan plan{"photo", change.participle, change.is_final};
   plan.details = change.details;
   CStringArray guids;
   size_t replaced = 0;
-  for (const CString& guid : SelectPhotos(library, words)) {
+  for (const CString& guid : photos) {
     const auto photo = library.Photo(guid.Str());
     if (!photo) continue;  // deleted meanwhile
     if (change.is_done && change.is_done(*photo)) {

@@ -59,5 +59,8 @@ struct PhotoChange {
 /// Selects photos, leaves alone what needs no change, and carries the rest out.
 ExitCode ChangePhotos(Invocation& invocation, Library& library, const PhotoWords& words,
                       const ChangeOptions& options, const PhotoChange& change);
+/// The same for photos that are selected already, by their GUIDs.
+ExitCode ChangePhotos(Invocation& invocation, Library& library, const CStringArray& photos,
+                      const ChangeOptions& options, const PhotoChange& change);
 
 }  // namespace vdsto

@@ -133,6 +133,19 @@ Command& Command::Photos(PhotoWords& words, bool is_required) {
       .Notes(kPhotoNotes);
 }
 
+Command& Command::Page(int& first, int& count) {
+  return NumberOption("--from", "POSITION", first, 1, INT32_MAX, "Begin at this position")
+      .NumberOption("--count", "NUMBER", count, 1, INT32_MAX, "Show so many at most");
+}
+
+Command& Command::Filter(FilterWords& filter) {
+  return Option("--since", "DAY", filter.since, "Taken on that day, month or year, or later")
+      .Option("--until", "DAY", filter.until, "Taken on that day, month or year, or earlier")
+      .Option("--camera", "TEXT", filter.camera, "With a camera whose model has this in its name")
+      .NumberOption("--rating", "N", filter.rating, 1, 5, "Rated so high at least")
+      .Option("--folder", "FOLDER", filter.folder, "In that folder or below it");
+}
+
 Command& Command::Folders(FolderWords& words) {
   return List(words, "FOLDER", "The folders, named as said below").Notes(kFolderNotes);
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/vdsto/selection/folder_selection.h"
+#include "tools/vdsto/selection/photo_filter.h"
 #include "tools/vdsto/selection/photo_selection.h"
 #include "tools/vdsto/selection/trash_selection.h"
 #include "tools/vdsto/tool_error.h"
@@ -52,6 +53,10 @@ class Command {
   Command& Photo(std::string& word);
   Command& Photos(PhotoWords& words, bool is_required = true);
   Command& Folders(FolderWords& words);
+  /// A part of a list: from which position on, counted from 1, and how much of it.
+  Command& Page(int& first, int& count);
+  /// What narrows a search.
+  Command& Filter(FilterWords& filter);
   /// Exactly one tag, or one that is to be made.
   Command& Tag(std::string& word);
   Command& Tags(WordList& words);

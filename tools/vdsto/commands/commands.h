@@ -22,9 +22,12 @@ void AddDescribe(CommandGroup& tool);
 void AddRotate(CommandGroup& tool);
 void AddFlag(CommandGroup& tool);
 void AddCamera(CommandGroup& tool);
+void AddCheck(CommandGroup& tool);
 void AddUpload(CommandGroup& tool);
 void AddSync(CommandGroup& tool);
+void AddSyncList(CommandGroup& tool);
 void AddNotify(CommandGroup& tool);
+void AddSql(CommandGroup& tool);
 void AddStat(CommandGroup& tool);
 void AddProblems(CommandGroup& tool);
 void AddStore(CommandGroup& tool);
@@ -35,7 +38,8 @@ void AddFolder(CommandGroup& tool);
 void AddRoom(CommandGroup& tool);
 void AddAlbum(CommandGroup& tool);
 void AddReset(CommandGroup& tool);
-/// `vdsto upload run`, for the group `upload`.
+/// `vdsto upload add` and `vdsto upload run`, for the group `upload`.
+void AddUploadAdd(CommandGroup& upload);
 void AddUploadRun(CommandGroup& upload);
 
 }  // namespace vdsto

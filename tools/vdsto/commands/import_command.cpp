@@ -1,9 +1,11 @@
 #include <cstdio>
+#include <iostream>
 
 #include "tools/vdsto/cli/command.h"
 #include "tools/vdsto/cli/invocation.h"
 #include "tools/vdsto/commands/commands.h"
 #include "tools/vdsto/import/importer.h"
+#include "tools/vdsto/library/store_repair.h"
 #include "tools/vdsto/picture/picture_probe.h"
 #include "tools/vdsto/text/text.h"
 
@@ -99,6 +101,8 @@ struct Import {
     InitialiseProbing();
     const ImportLock lock = invocation.LockOutImports();
     Library library(options, lock);
+    for (const std::string& news : PrepareImageStore(options.folder, lock))
+      std::cerr << "vdsto: " << news << std::endl;
     library.CallSearch([](auto& copy) { copy.Prepare(); });
     const ImportSummary summary = ImportFolders(library, roots, invocation.WantsJson());
     invocation.Write(Describe(summary));

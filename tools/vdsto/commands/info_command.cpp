@@ -25,7 +25,9 @@ struct Info {
     const Json fields = PhotoAsJson(info, paths.NameOf(info.dwFolderID));
     Facts facts(kLabelColumns);
     for (const auto& [key, value] : fields.items()) {
-      facts.Add(key, value);
+      const bool is_guess = key == "shot" && HasGuessedDate(info);
+      facts.Add(key, is_guess ? Fact(value, value.get<std::string>() + "? (the file's time)")
+                              : Fact(value));
       if (key == "name")
         AddWords(texts.Of(info.szGUID), TagsOfPhotos(library).Of(info.szGUID), facts);
     }

@@ -7,13 +7,15 @@
 #include "tools/vdsto/library/trash_bin.h"
 #include "tools/vdsto/selection/catalogue_path.h"
 #include "tools/vdsto/text/source_location.h"
+#include "tools/vdsto/text/text.h"
 
 namespace vdsto {
 namespace {
 
 constexpr const char* kNotes =
     R"(Damaged pictures are shown in part, broken ones not at all. The reasons are those of the last import that
-read the file. Photos in the trash are left out.)";
+read the file. Photos in the trash are left out. What could not be read at all comes last, under its path on
+the disk; -0 leaves it out.)";
 
 struct Problem {
   std::string name;  ///< the photo's catalogue path
@@ -21,13 +23,9 @@ struct Problem {
 };
 
 std::vector<Problem> ReadProblems(Library& library) {
-  std::vector<PhotoFacts> bad;
-  library.FactsOfPhotos().ForEach([&](const PhotoFacts& facts) {
-    if (facts.state != PictureState::kGood) bad.push_back(facts);
-  });
   CataloguePath paths(library);
   std::vector<Problem> problems;
-  for (PhotoFacts& facts : bad) {
+  for (PhotoFacts& facts : library.FactsOfPhotos().NotGood()) {
     const auto photo = library.Photo(facts.guid);
     if (photo && !IsTrashFolder(photo->dwFolderID))
       problems.push_back({paths.NameOf(*photo), std::move(facts)});
@@ -59,6 +57,14 @@ struct Problems {
                       {"state", state},
                       {"reason", facts.problem}});
       rows.Add({state, name, facts.problem});
+    }
+    for (const auto& [path, reason] : library.FactsOfPhotos().Unreadable()) {
+      list.push_back({{"guid", nullptr},
+                      {"name", nullptr},
+                      {"original", UnlimitedLocationOf(path)},
+                      {"state", "unreadable"},
+                      {"reason", reason}});
+      rows.Add({"unreadable", Printable(path), reason});
     }
     return invocation.Write({std::move(list), rows.Text()});
   }

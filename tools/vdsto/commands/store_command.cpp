@@ -1,10 +1,14 @@
-#include <iostream>
+#include <filesystem>
+#include <map>
+#include <memory>
 
 #include "tools/vdsto/cli/command.h"
 #include "tools/vdsto/cli/invocation.h"
 #include "tools/vdsto/commands/commands.h"
 #include "tools/vdsto/library/image_store.h"
+#include "tools/vdsto/library/store_census.h"
 #include "tools/vdsto/library/store_compaction.h"
+#include "tools/vdsto/selection/catalogue_path.h"
 #include "tools/vdsto/text/text.h"
 
 namespace vdsto {
@@ -15,7 +19,10 @@ using vdstomgr::StorageReport;
 constexpr const char* kNotes =
     R"(The store is images.pdb and images.pdx in the library's folder. One process at a time uses it:
 repair and compact wait for a running import to end, sync fails then. stat, verify and vdsto thumb
-read beside it at any time. What the store loses, the next import makes again.)";
+read beside it at any time. What the store loses, the next import makes again. A compaction needs the
+space of the images that stay a second time, says so when it is not there, and deletes the old files at
+its end. repair keeps the old index as images.pdx.old and a store of which nothing can be made as
+images.pdb.damaged; both may be deleted when all is well.)";
 
 std::string ExistingStore(const Invocation& invocation) {
   const std::string folder = invocation.LibraryFolder();
@@ -38,67 +45,144 @@ void AddCounts(const StorageReport& report, Facts& facts) {
       .ForPrograms("is_sound", report.is_sound);
 }
 
+/// People see how many there are of each kind and the first of them.
 void AddFaults(const StorageReport& report, Facts& facts) {
+  constexpr size_t kShown = 20;
   Json faults = Json::array();
+  std::map<std::string, uint64_t> counts;
+  std::vector<std::string> lines;
   for (const auto& finding : report.findings) {
-    const char* fault = vdstomgr::NameOf(finding.fault);
+    const std::string fault = vdstomgr::NameOf(finding.fault);
     faults.push_back({{"fault", fault}, {"offset", finding.offset}, {"text", finding.text}});
-    facts.ForPeople(std::string(fault) + ": " + Printable(finding.text));
+    ++counts[fault];
+    if (lines.size() < kShown) lines.push_back(fault + ": " + Printable(finding.text));
   }
-  if (const auto more = report.finding_count - report.findings.size(); more > 0)
+  if (report.finding_count > kShown) {
+    for (const auto& [fault, count] : counts)
+      facts.ForPeople(Padded(std::to_string(count), 8, true) + "  " + fault);
+  }
+  for (const std::string& line : lines) facts.ForPeople(line);
+  if (const auto more = report.finding_count - lines.size(); more > 0)
     facts.ForPeople("and " + std::to_string(more) + " more");
-  facts.ForPrograms("faults", std::move(faults));
+  facts.ForPrograms("faults", std::move(faults)).ForPrograms("fault_counts", counts);
+}
+
+/// The store and, when the catalogue can be opened, how far the two agree.
+struct Look {
+  StoreCensus census;
+  std::string why_alone;  ///< why the catalogue was left out
+
+  explicit Look(const Invocation& invocation) {
+    const std::string path = ExistingStore(invocation);
+    try {
+      Library library = invocation.OpenLibrary();
+      census = CompareStore(library);
+    } catch (const ToolError& error) {
+      why_alone = error.what();
+      census.report = vdstomgr::VerifyStorage(path.c_str());
+    }
+  }
+  Fact Compared(uint64_t count, const char* advice) const {
+    if (!why_alone.empty()) return {Json(), "not known: " + Printable(why_alone)};
+    return {count, std::to_string(count) + (count > 0 ? advice : "")};
+  }
+  void AddTo(Facts& facts) const {
+    AddCounts(census.report, facts);
+    facts.Add("orphans", Compared(census.orphans, ", of no photo: vdsto store compact drops them"))
+        .Add("missing", Compared(census.without_image.size(),
+                                 ", of photos: the next vdsto import makes them"));
+  }
+};
+
+void AddState(const std::string& path, Facts& facts) {
+  std::error_code error;
+  const bool is_cut_off = IsCompactionCutOff(path);
+  const auto left_over = std::filesystem::file_size(path + ".bak", error);
+  facts.ForPrograms("compaction_cut_off", is_cut_off);
+  if (is_cut_off) {
+    facts.ForPeople("A compaction was ended half-way: the next import, compact or repair ends it.");
+  } else if (!error) {
+    facts.ForPeople("A compaction left " + Printable(path) + ".bak, " + HumanSize(left_over) +
+                    ": vdsto store compact deletes it.");
+  }
 }
 
 struct StoreStat {
   ExitCode Run(Invocation& invocation) const {
     const std::string path = ExistingStore(invocation);
-    const StorageReport report = vdstomgr::VerifyStorage(path.c_str());
+    const Look look(invocation);
     const uint64_t disk = ImageStoreBytes(invocation.LibraryFolder());
     Facts facts;
     facts.Add("store", {path, Printable(path) + ", " + HumanSize(disk)})
         .ForPrograms("disk_bytes", disk);
-    AddCounts(report, facts);
+    look.AddTo(facts);
+    AddState(path, facts);
     return invocation.Write(facts);
   }
 };
 
 struct StoreVerify {
   ExitCode Run(Invocation& invocation) const {
-    const StorageReport report = vdstomgr::VerifyStorage(ExistingStore(invocation).c_str());
+    const Look look(invocation);
+    const StorageReport& report = look.census.report;
     Facts facts;
     AddFaults(report, facts);
-    AddCounts(report, facts);
+    look.AddTo(facts);
     facts.ForPeople("verdict", report.is_sound ? "sound" : "has faults: run vdsto store repair");
     invocation.Write(facts);
     return report.is_sound ? ExitCode::kOk : ExitCode::kDamaged;
   }
 };
 
-struct StoreRepair {
+/// What the lost images belong to, as far as the catalogue can be opened and knows it.
+void AddLost(const Invocation& invocation, const vdstomgr::RepairReport& report, Facts& facts) {
+  Json lost = Json::array();
+  std::unique_ptr<Library> library;
+  try {
+    if (!report.lost_keys.empty()) library = std::make_unique<Library>(invocation.AskForLibrary());
+  } catch (const ToolError& error) {
+    facts.ForPeople("Which photos they belong to is not known: " + Printable(error.what()));
+  }
+  for (const std::string& key : report.lost_keys) {
+    const auto photo = library ? PhotoOfImage(*library, key) : std::nullopt;
+    const std::string name = photo ? CataloguePath(*library).NameOf(*photo) : std::string();
+    lost.push_back({{"key", key}, {"photo", name.empty() ? Json() : Json(name)}});
+    if (library) facts.ForPeople("lost", Printable(name.empty() ? key + " (no photo)" : name));
+  }
+  facts.ForPrograms("lost", std::move(lost));
+}
+
+void AddRepair(const Invocation& invocation, const StoreRepair& repair, Facts& facts) {
+  const auto text_or_null = [](const std::string& text) {
+    return text.empty() ? Json() : Json(text);
+  };
+  if (!repair.report.was_sound) AddFaults(repair.report.found, facts);
+  AddLost(invocation, repair.report, facts);
+  facts.ForPrograms("kept_index", text_or_null(repair.report.kept_index))
+      .ForPrograms("set_aside", text_or_null(repair.set_aside))
+      .ForPrograms("findings", repair.report.found.finding_count);
+  if (!repair.IsMended()) return;
+  for (const std::string& sentence : SentencesOf(repair)) facts.ForPeople(sentence);
+}
+
+struct StoreRepairing {
   ExitCode Run(Invocation& invocation) const {
     const std::string path = ExistingStore(invocation);
     const ImportLock lock = invocation.LockOutImports();
-    const auto report = vdstomgr::RepairStorage(path.c_str());
+    const bool was_cut_off = IsCompactionCutOff(path);
+    const StoreRepair repair = RepairImageStore(invocation.LibraryFolder(), lock);
     Facts facts;
-    AddFaults(report.found, facts);
-    facts.ForPrograms("repaired", report.repaired)
-        .ForPrograms("images", report.good_records)
-        .ForPrograms("kept_index", report.kept_index.empty() ? Json() : Json(report.kept_index))
-        .ForPrograms("findings", report.found.finding_count);
-    if (report.repaired) Tell(report, facts);
+    facts.ForPrograms("repaired", repair.IsMended())
+        .ForPrograms("was_sound", repair.report.was_sound)
+        .ForPrograms("images", repair.report.good_records);
+    if (was_cut_off) facts.ForPeople("The compaction that had been ended is in order again.");
+    AddRepair(invocation, repair, facts);
     invocation.Write(facts);
-    if (report.repaired) return ExitCode::kOk;
-    std::cerr << "vdsto: the image store could not be repaired" << std::endl;
-    return ExitCode::kDamaged;
-  }
-
-  static void Tell(const vdstomgr::RepairReport& report, Facts& facts) {
-    facts.ForPeople("A new index names " + Counted(report.good_records, "image") + ".");
-    if (!report.kept_index.empty())
-      facts.ForPeople("The old index is kept as " + Printable(report.kept_index) + ".");
-    if (report.found.finding_count > 0)
-      facts.ForPeople("The next import makes again what was left out.");
+    if (repair.IsMended()) return ExitCode::kOk;
+    throw ToolError(IsInUse(path) ? ExitCode::kCannotOpen : ExitCode::kDamaged,
+                    IsInUse(path) ? Printable(path) + " is in use by another process"
+                                  : "the image store could not be repaired; when you move " +
+                                        Printable(path) + " away, the next import makes a new one");
   }
 };
 
@@ -107,18 +191,18 @@ struct StoreCompact {
     ExistingStore(invocation);
     const ImportLock lock = invocation.LockOutImports();
     Library library = invocation.OpenLibrary();
-    const CompactionSummary summary = CompactImageStore(library);
-    invocation.Write(Facts()
-                         .ForPrograms("images", summary.images)
-                         .ForPrograms("dropped", summary.dropped)
-                         .ForPrograms("disk_bytes_before", summary.bytes_before)
-                         .ForPrograms("disk_bytes", summary.bytes_after)
-                         .ForPeople(Counted(summary.images, "image") + " kept, " +
-                                    std::to_string(summary.dropped) +
-                                    " dropped that no photo names; " +
-                                    HumanSize(summary.bytes_before) + " before, " +
-                                    HumanSize(summary.bytes_after) + " now"));
-    return ExitCode::kOk;
+    const CompactionSummary summary = CompactImageStore(library, lock);
+    Facts facts;
+    if (!summary.repair.report.was_sound) AddRepair(invocation, summary.repair, facts);
+    facts.ForPrograms("images", summary.images)
+        .ForPrograms("dropped", summary.dropped)
+        .ForPrograms("dropped_damaged", summary.repair.report.lost_count)
+        .ForPrograms("disk_bytes_before", summary.bytes_before)
+        .ForPrograms("disk_bytes", summary.bytes_after)
+        .ForPeople(Counted(summary.images, "image") + " kept, " + std::to_string(summary.dropped) +
+                   " dropped that no photo names; " + HumanSize(summary.bytes_before) +
+                   " before, " + HumanSize(summary.bytes_after) + " now");
+    return invocation.Write(facts);
   }
 };
 
@@ -143,8 +227,9 @@ void AddStore(CommandGroup& tool) {
       tool.AddGroup("store", "Look after the image store, which holds thumbnails", kNotes);
   store.Add<StoreStat>("stat", "Read all of it and show totals");
   store.Add<StoreVerify>("verify", "Check every image and name what is wrong");
-  store.Add<StoreRepair>("repair", "Make a new index from the images; the old one is kept");
-  store.Add<StoreCompact>("compact", "Drop images that no photo names, and give their space back");
+  store.Add<StoreRepairing>("repair", "Make the store sound, and name the images that are lost");
+  store.Add<StoreCompact>("compact",
+                          "Drop damaged images and those of no photo, and give their space back");
   store.Add<StoreSync>("sync", "Bring everything to the device, to survive a power cut");
 }
 

@@ -6,6 +6,7 @@
 #include "tools/vdsto/commands/commands.h"
 #include "tools/vdsto/library/folder_changes.h"
 #include "tools/vdsto/library/image_store.h"
+#include "tools/vdsto/library/store_repair.h"
 #include "tools/vdsto/selection/catalogue_path.h"
 #include "tools/vdsto/selection/trash_selection.h"
 #include "tools/vdsto/text/source_location.h"
@@ -123,7 +124,9 @@ struct TrashRestore {
 };
 
 /// Thumbnails go after the photos that name them.
-void RemoveImages(const Library& library, const std::vector<TrashedPhoto>& photos) {
+void RemoveImages(const Library& library, const std::vector<TrashedPhoto>& photos,
+                  const ImportLock& lock) {
+  PrepareImageStore(library.Folder(), lock);
   ImageStore images(library.Folder());
   if (!images.Open()) return;
   for (const TrashedPhoto& trashed : photos) {
@@ -148,7 +151,7 @@ struct TrashEmpty {
     plan.is_final = true;
     return CarryOut(invocation, plan, change, [&] {
       DeleteForGood(library, GuidsOf(photos));
-      RemoveImages(library, photos);
+      RemoveImages(library, photos, lock);
     });
   }
 };

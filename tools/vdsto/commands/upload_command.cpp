@@ -7,8 +7,10 @@
 #include "tools/vdsto/cli/changes.h"
 #include "tools/vdsto/cli/command.h"
 #include "tools/vdsto/cli/output_file.h"
+#include "tools/vdsto/cli/upload_text.h"
 #include "tools/vdsto/commands/commands.h"
-#include "tools/vdsto/selection/catalogue_path.h"
+#include "tools/vdsto/library/upload_gifts.h"
+#include "tools/vdsto/selection/album_path.h"
 #include "tools/vdsto/selection/upload_selection.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
@@ -25,80 +27,31 @@ constexpr const char* kFileNotes =
     R"(The file has a line for each upload that is not done, in UTF-8, with fields between '|'. Names are
 not escaped: one with a '|' in it breaks its line.)";
 
-std::string WordFor(int status) {
-  if (IsWaiting(status)) return "waiting";
-  if (IsSending(status)) return "sending";
-  return IsFinished(status) ? "done" : status < 0 ? "failed" : "unknown";
-}
-
-ChangePlan PlanFor(const std::vector<Upload>& uploads, std::string participle) {
-  ChangePlan plan{"upload", std::move(participle)};
-  for (const Upload& upload : uploads) {
-    plan.changed.push_back(upload.guid);
-    plan.names.push_back(Joined(upload.folder, upload.name));
-  }
-  return plan;
-}
-
-struct UploadAdd {
-  PhotoWords photos;
-  ChangeOptions change;
-
-  void Declare(Command& command) { command.Photos(photos).Change(change); }
-
-  ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
-    CataloguePath paths(library);
-    return ChangePhotos(invocation, library, photos, change,
-                        {.participle = "queued",
-                         .is_done =
-                             [&](const PHOTOINFO& photo) {
-                               RequireUploadable(photo);
-                               return IsUnderWay(library, photo);
-                             },
-                         .apply =
-                             [&](const CStringArray& guids) {
-                               QueueUploads(library, guids,
-                                            [&](uint32_t folder) { return paths.NameOf(folder); });
-                             }});
-  }
-
-  static bool IsUnderWay(Library& library, const PHOTOINFO& photo) {
-    UPLOADLIST row;
-    return library.Call([&](auto& catalogue) {
-      return catalogue.GetUploadInfo(photo.szGUID, row) && !IsFinished(row.nStatus);
-    });
-  }
-};
-
 struct UploadList {
   int first = 1;
   int count = INT32_MAX;
 
-  void Declare(Command& command) {
-    command.NumberOption("--from", "POSITION", first, 1, INT32_MAX, "Begin at this position")
-        .NumberOption("--count", "NUMBER", count, 1, INT32_MAX, "Show so many at most");
-  }
+  void Declare(Command& command) { command.Page(first, count); }
 
   ExitCode Run(Invocation& invocation) const {
     Library library = invocation.OpenLibrary();
-    Json list = Json::array();
-    Table rows({"position", "status", "error", "sent", "size", "name"});
-    for (const Upload& upload : ReadUploads(library, first - 1, count)) {
-      const Fact error = upload.status < 0 ? Fact(upload.status) : Fact(Json());
-      list.push_back({{"position", upload.position + 1},
-                      {"guid", upload.guid},
-                      {"name", upload.name},
-                      {"folder", upload.folder},
-                      {"original", upload.original},
-                      {"status", WordFor(upload.status)},
-                      {"error", error.json},
-                      {"sent", upload.sent},
-                      {"size", upload.size}});
-      rows.Add({upload.position + 1, WordFor(upload.status), error, SizeFact(upload.sent),
-                SizeFact(upload.size), Joined(upload.folder, upload.name)});
+    const auto uploads = ReadUploads(library, first - 1, count);
+    Answer answer = ListOf(uploads);
+    if (invocation.WantsJson()) {
+      for (Json& upload : answer.json) AddGifts(library, upload);
     }
-    return invocation.Write(Answer{std::move(list), rows.Text()});
+    return invocation.Write(answer);
+  }
+
+  /// What waits for the upload, by names.
+  static void AddGifts(Library& library, Json& upload) {
+    const UploadGifts gifts = ReadGifts(library, upload["guid"]);
+    Json tags = Json::array(), albums = Json::array();
+    for (const DWORD tag : gifts.tags)
+      tags.push_back(library.Call([&](auto& each) { return each.GetTagName(tag); }).Str());
+    for (const ALBUMINDEX& album : gifts.albums) albums.push_back(AlbumPath(library).NameOf(album));
+    upload["tags"] = std::move(tags);
+    upload["albums"] = std::move(albums);
   }
 };
 
@@ -197,6 +150,7 @@ struct UploadRemove {
       CStringArray guids;
       for (const Upload& upload : uploads) guids.Add(upload.guid.c_str());
       library.Call([&](auto& catalogue) { return catalogue.DelUploadList(guids); });
+      ForgetGifts(library, guids);
     });
   }
 
@@ -310,7 +264,7 @@ struct UploadLoad {
 
 void AddUpload(CommandGroup& tool) {
   CommandGroup upload = tool.AddGroup("upload", "Look after the queue of uploads", kNotes);
-  upload.Add<UploadAdd>("add", "Queue photos; those that are queued already stay where they are");
+  AddUploadAdd(upload);
   upload.Add<UploadList>("ls", "List the queue in its order");
   upload.Add<UploadMove<kTop>>(kTop.name, kTop.help);
   upload.Add<UploadMove<kUp>>(kUp.name, kUp.help);

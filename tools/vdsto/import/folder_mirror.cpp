@@ -135,14 +135,15 @@ uint64_t FolderMirror::CreatedFolders() const {
   return created_;
 }
 
+/// A top-level folder that the user has filled with photos of a mirrored one does not stand for it.
 std::optional<FolderId> FolderMirror::FindLocked(const std::string& source) {
   if (const auto known = mirrored_.find(source); known != mirrored_.end()) return known->second;
   std::optional<FolderId> found;
-  for (const auto& [root, id] : roots_) {
-    if (root == source) found = id;
-  }
-  if (!found && IsBelowSomeRoot(source)) {
+  if (IsBelowSomeRoot(source)) {
     if (const auto parent = FindLocked(ParentOf(source))) found = FindChild(*parent, source);
+  }
+  for (const auto& [root, id] : roots_) {
+    if (!found && root == source) found = id;
   }
   if (found) Bind(source, *found);
   return found;
@@ -255,7 +256,7 @@ void FolderMirror::Adopt(const std::string& old_source, const std::string& sourc
   if (old_source == source || FindLocked(source) || IsFolder(old_source)) return;
   const auto folder = FindLocked(old_source);
   if (!folder || vdstomgr::IsReservedFolder(*folder)) return;
-  const bool was_root = IsRoot(old_source);
+  const bool was_root = IsRoot(old_source, *folder);
   if (source != import_root && !was_root)
     Adopt(ParentOf(old_source), ParentOf(source), import_root);
   const FolderId parent = was_root || source == import_root
@@ -273,7 +274,7 @@ void FolderMirror::Relocate(FolderId id, FolderId parent, const std::string& old
   const bool is_own_name = folder.name == old_name || IsNumbered(folder.name, old_name);
   const std::string name = is_own_name ? CatalogueName(source) : folder.name;
   const auto old_parent = FindLocked(ParentOf(old_source));
-  const bool is_own_place = IsRoot(old_source) || !old_parent || *old_parent == folder.parent;
+  const bool is_own_place = IsRoot(old_source, id) || !old_parent || *old_parent == folder.parent;
   if (!is_own_place || IsInOrBelow(parent, id)) parent = folder.parent;
   if (parent == folder.parent && name == folder.name) return;
   folder.name = RelocateFolder(library_, id, parent, name);
@@ -293,9 +294,8 @@ bool FolderMirror::IsInOrBelow(FolderId folder, FolderId above) const {
   return false;
 }
 
-bool FolderMirror::IsRoot(const std::string& source) const {
-  return std::any_of(roots_.begin(), roots_.end(),
-                     [&](const auto& root) { return root.first == source; });
+bool FolderMirror::IsRoot(const std::string& source, FolderId folder) const {
+  return std::find(roots_.begin(), roots_.end(), std::pair(source, folder)) != roots_.end();
 }
 
 std::shared_ptr<const FolderRows> FolderMirror::RowsLocked(FolderId folder) {

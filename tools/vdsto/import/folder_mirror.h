@@ -65,7 +65,7 @@ class FolderMirror {
   void Relocate(FolderId folder, FolderId parent, const std::string& old_source,
                 const std::string& source);
   bool IsInOrBelow(FolderId folder, FolderId above) const;
-  bool IsRoot(const std::string& source) const;
+  bool IsRoot(const std::string& source, FolderId folder) const;
   bool IsBelowSomeRoot(const std::string& source) const;
   Evidence Judge(FolderId folder, const std::string& source, int depth);
   std::string MainSource(FolderId folder, int folders_asked);

@@ -60,7 +60,7 @@ bool ImportPlaces::IsThere(const PhotoFacts& file) const {
 
 bool ImportPlaces::IsImported(const std::string& path) const {
   return std::any_of(roots_.begin(), roots_.end(),
-                     [&](const std::string& root) { return IsBelow(path, root); });
+                     [&](const std::string& root) { return path == root || IsBelow(path, root); });
 }
 
 void ImportPlaces::Enter(const std::string& folder) {

@@ -25,7 +25,7 @@ class ImportPlaces {
   /// Is the disk there that `file` was on? One whose place is not known is, below the imported
   /// folders.
   bool IsThere(const PhotoFacts& file) const;
-  /// Is `path` below one of the folders that are imported now?
+  /// Is `path` one of the folders that are imported now, or below one?
   bool IsImported(const std::string& path) const;
 
   /// The walk has come to a root or to another disk.

@@ -244,11 +244,28 @@ class Import {
     summary_.hidden = walk_.Hidden();
     summary_.special = walk_.Special();
     summary_.sidecars = sidecars_;
-    for (const auto& remarks : {roots.unreadable, walk_.Unreadable()})
-      summary_.unreadable.insert(summary_.unreadable.end(), remarks.begin(), remarks.end());
+    auto& unreadable = summary_.unreadable;
+    unreadable.insert(unreadable.end(), walk_.Unreadable().begin(), walk_.Unreadable().end());
+    NoteUnreadable();
+    unreadable.insert(unreadable.begin(), roots.unreadable.begin(), roots.unreadable.end());
     summary_.unreadable_roots = roots.unreadable.size() + CountUnreadable(roots.folders);
     summary_.folders_created = mirror_.CreatedFolders();
     summary_.interrupted = IsInterrupted();
+  }
+
+  /// What earlier imports could not read stays noted where this one has not looked.
+  void NoteUnreadable() {
+    auto files = library_.FactsOfPhotos().Unreadable();
+    const auto is_out_of_date = [&](const UnreadableFile& file) {
+      return !IsInterrupted() && places_.IsImported(file.path);
+    };
+    const bool had_none = std::erase_if(files, is_out_of_date) == 0 && summary_.unreadable.empty();
+    if (had_none) return;
+    for (const auto& [path, reason] : summary_.unreadable) {
+      std::erase_if(files, [&](const UnreadableFile& file) { return file.path == path; });
+      files.push_back({path, reason});
+    }
+    library_.FactsOfPhotos().SetUnreadable(files);
   }
 
   /// Those that went away since they were checked.

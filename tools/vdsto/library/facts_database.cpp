@@ -23,6 +23,7 @@ constexpr size_t kGuidsPerQuery = 500;
 constexpr std::array kTables{
     "CREATE TABLE FactsInfo (nVersion INTEGER)",
     "CREATE TABLE ImportPlaces (nPlace INTEGER, szPath MEMO, szDevice MEMO)",
+    "CREATE TABLE UnreadableFiles (szPath MEMO, szReason MEMO)",
     "CREATE TABLE PhotoFacts (szGUID CHAR(36) NOT NULL, szPath MEMO, dbSize DOUBLE, "
     "nLastWriteHigh INTEGER, nLastWriteLow INTEGER, szMD5 CHAR(32), byteState BYTE, "
     "szProblem MEMO, dbLatitude DOUBLE, dbLongitude DOUBLE, dbAltitude DOUBLE, szMaker MEMO, "
@@ -285,12 +286,20 @@ void FactsDatabase::ForEachFile(const std::function<void(const PhotoFacts&)>& us
   });
 }
 
-std::vector<PhotoFacts> FactsDatabase::Gone() {
-  std::vector<PhotoFacts> gone;
+std::vector<PhotoFacts> FactsDatabase::Where(const std::string& condition) {
+  std::vector<PhotoFacts> found;
   Read([&] {
-    Select("WHERE nGoneSince <> 0", [&](const PhotoFacts& facts) { gone.push_back(facts); });
+    Select("WHERE " + condition, [&](const PhotoFacts& facts) { found.push_back(facts); });
   });
-  return gone;
+  return found;
+}
+
+std::vector<PhotoFacts> FactsDatabase::Gone() {
+  return Where("nGoneSince <> 0");
+}
+
+std::vector<PhotoFacts> FactsDatabase::NotGood() {
+  return Where("byteState <> 0");
 }
 
 std::vector<ImportPlace> FactsDatabase::Places() {
@@ -338,18 +347,46 @@ void FactsDatabase::SetGone(const std::vector<std::string>& guids, int32_t since
   });
 }
 
-void FactsDatabase::SetPlaces(const std::vector<ImportPlace>& places) {
-  Write([&] {
-    database_.Execute("DELETE FROM ImportPlaces");
+std::vector<UnreadableFile> FactsDatabase::Unreadable() {
+  std::vector<UnreadableFile> files;
+  Read([&] {
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, "SELECT * FROM ImportPlaces");
-    for (const ImportPlace& place : places) {
+    rows.Open(dbOpenDynaset, "SELECT szPath, szReason FROM UnreadableFiles");
+    for (; !rows.IsEOF(); rows.MoveNext()) {
+      Columns columns(rows);
+      UnreadableFile& file = files.emplace_back();
+      file.path = columns.Path();
+      file.reason = columns.Text();
+    }
+  });
+  return files;
+}
+
+template <class List, class Set>
+void FactsDatabase::Replace(const std::string& table, const List& list, Set set) {
+  Write([&] {
+    database_.Execute(("DELETE FROM " + table).c_str());
+    CDaoRecordset rows(&database_);
+    rows.Open(dbOpenDynaset, ("SELECT * FROM " + table).c_str());
+    for (const auto& entry : list) {
       rows.AddNew();
-      rows.SetFieldValue("nPlace", Variant(place.id));
-      rows.SetFieldValue("szPath", UnlimitedLocationOf(place.path).c_str());
-      rows.SetFieldValue("szDevice", place.device.c_str());
+      rows.SetFieldValue("szPath", UnlimitedLocationOf(entry.path).c_str());
+      set(entry, rows);
       rows.Update();
     }
+  });
+}
+
+void FactsDatabase::SetPlaces(const std::vector<ImportPlace>& places) {
+  Replace("ImportPlaces", places, [](const ImportPlace& place, CDaoRecordset& row) {
+    row.SetFieldValue("nPlace", Variant(place.id));
+    row.SetFieldValue("szDevice", place.device.c_str());
+  });
+}
+
+void FactsDatabase::SetUnreadable(const std::vector<UnreadableFile>& files) {
+  Replace("UnreadableFiles", files, [](const UnreadableFile& file, CDaoRecordset& row) {
+    row.SetFieldValue("szReason", file.reason.c_str());
   });
 }
 

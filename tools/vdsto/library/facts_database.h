@@ -30,7 +30,10 @@ class FactsDatabase {
   void ForEachFile(const std::function<void(const PhotoFacts&)>& use);
   /// The photos whose original is gone.
   std::vector<PhotoFacts> Gone();
+  /// The photos whose picture is damaged or broken.
+  std::vector<PhotoFacts> NotGood();
   std::vector<ImportPlace> Places();
+  std::vector<UnreadableFile> Unreadable();
 
   /// Opens the file for writing; makes it when it is not there. One that cannot be read is kept
   /// beside it as facts.vdb.old.
@@ -41,12 +44,16 @@ class FactsDatabase {
   /// Notes since when originals are gone; 0: they are there.
   void SetGone(const std::vector<std::string>& guids, int32_t since);
   void SetPlaces(const std::vector<ImportPlace>& places);
+  void SetUnreadable(const std::vector<UnreadableFile>& files);
 
  private:
   bool IsReadable();
   void Open();
   void Create();
   void SetAside();
+  std::vector<PhotoFacts> Where(const std::string& condition);
+  template <class List, class Set>
+  void Replace(const std::string& table, const List& list, Set set);
   void Select(const std::string& condition, const std::function<void(const PhotoFacts&)>& use);
   template <class Operation>
   void Read(Operation operation);

@@ -4,6 +4,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <cctype>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
@@ -33,21 +34,13 @@ bool Exists(const std::string& path) {
   return exists;
 }
 
-/// Has somebody the file open as its only writer?
-bool IsInUse(const std::string& path) {
-  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) return false;
-  const bool in_use = flock(descriptor, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-  close(descriptor);
-  return in_use;
-}
-
 /// Why the store cannot be used in the way that `access_mode` says.
 std::string WhyNotOpened(const std::string& path, int access_mode) {
   if (IsInUse(path)) return "is in use by another process, perhaps an import";
   if (access(path.c_str(), access_mode) != 0)
     return "cannot be opened: " + std::generic_category().message(errno);
-  return "cannot be opened: run vdsto store verify, then vdsto store repair";
+  const std::string reason = SystemReason();
+  return "cannot be opened" + (reason.empty() ? ": run vdsto store repair" : reason);
 }
 
 void Rename(const std::string& from, const std::string& to) {
@@ -65,9 +58,10 @@ bool HasPieces(const std::string& path) {
 bool IsWhole(const std::string& path) {
   if (Exists(path)) return true;
   if (!HasPieces(path)) return false;
-  throw ToolError(
-      ExitCode::kCannotOpen,
-      Printable(path) + " is missing, but a compaction left its pieces: run vdsto store repair");
+  throw ToolError(ExitCode::kCannotOpen,
+                  Printable(path) +
+                      " is still in the pieces of a compaction that was ended: the "
+                      "next import or vdsto store repair puts them together");
 }
 
 }  // namespace
@@ -80,6 +74,27 @@ std::string ImageIndexPath(const std::string& path) {
   return path.substr(0, path.rfind('.')) + ".pdx";
 }
 
+bool IsInUse(const std::string& path) {
+  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) return false;
+  const bool in_use = flock(descriptor, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  close(descriptor);
+  return in_use;
+}
+
+bool IsCompactionCutOff(const std::string& path) {
+  if (!Exists(path)) return HasPieces(path);
+  return !Exists(ImageIndexPath(path)) && Exists(path + ".compacting.pdx");
+}
+
+std::string SystemReason() {
+  const auto error = vdstomgr::TakeStorageError();
+  if (!error.reason) return {};
+  std::string what = error.reason.message();
+  if (!what.empty()) what[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(what[0])));
+  return " (" + std::filesystem::path(error.path).filename().string() + ": " + what + ")";
+}
+
 bool IsImageStoreThere(const std::string& library_folder) {
   const std::string path = ImageStorePath(library_folder);
   return Exists(path) || HasPieces(path);
@@ -90,7 +105,8 @@ uint64_t ImageStoreBytes(const std::string& library_folder) {
   const std::string path = ImageStorePath(library_folder);
   for (const std::string& file : {path, ImageIndexPath(path)}) {
     std::error_code error;
-    const auto size = std::filesystem::file_size(file, error);
+    auto size = std::filesystem::file_size(file, error);
+    if (error) size = std::filesystem::file_size(file + ".bak", error);  // in a compaction
     if (!error) sum += size;
   }
   return sum;
@@ -123,7 +139,7 @@ void OpenPatiently(const std::string& path, const std::function<bool()>& open) {
 
 bool ReadImage(const std::string& library_folder, const std::string& key, CBinData& image) {
   const std::string path = ImageStorePath(library_folder);
-  if (!IsWhole(path)) return false;
+  if (!IsImageStoreThere(library_folder)) return false;
   const auto answer = vdstomgr::ReadStorage(path.c_str(), key.c_str(), image);
   if (answer != vdstomgr::StorageLookup::Unreadable) {
     return answer == vdstomgr::StorageLookup::Found;
@@ -148,7 +164,8 @@ bool ImageStore::Open() {
 void ImageStore::Create() const {
   const std::string unfinished = Joined(ParentOf(path_), kUnfinishedName);
   if (!CRkPhotoImageStorage().CreateFileA((unfinished + ".pdb").c_str(), kStorageId)) {
-    throw ToolError(ExitCode::kCannotOpen, Printable(path_) + " cannot be created");
+    throw ToolError(ExitCode::kCannotOpen,
+                    Printable(path_) + " cannot be created" + SystemReason());
   }
   Rename(unfinished + ".pdx", ImageIndexPath(path_));
   Rename(unfinished + ".pdb", path_);
@@ -175,7 +192,7 @@ void ImageStore::Put(const std::string& key, std::span<const uint8_t> image) {
   if (!is_open_ && !Open()) Create(), Open();
   if (!storage_.SetImage(key.c_str(), image.data(), static_cast<int>(image.size()))) {
     throw ToolError(ExitCode::kCatalogue,
-                    Printable(path_) + " takes no more images: is the disk full?");
+                    Printable(path_) + " takes no more images" + SystemReason());
   }
   has_news_ = true;
 }
@@ -186,7 +203,8 @@ void ImageStore::Remove(const std::string& key) {
 
 void ImageStore::Sync() {
   if (has_news_ && !vdstomgr::SyncStorage(storage_)) {
-    throw ToolError(ExitCode::kCatalogue, Printable(path_) + " could not be brought to the device");
+    throw ToolError(ExitCode::kCatalogue,
+                    Printable(path_) + " could not be brought to the device" + SystemReason());
   }
   has_news_ = false;
 }

@@ -15,6 +15,13 @@ std::string ImageStorePath(const std::string& library_folder);
 std::string ImageIndexPath(const std::string& path);
 /// True also when there are only the pieces that a killed compaction leaves.
 bool IsImageStoreThere(const std::string& library_folder);
+/// Was a compaction of the store at `path` ended while it renamed, or is it doing so just now?
+bool IsCompactionCutOff(const std::string& path);
+/// Has somebody the file open as its only writer?
+bool IsInUse(const std::string& path);
+/// Why the system refused the last work on a store, as " (images.pdb: no space left on device)";
+/// empty when it did not.
+std::string SystemReason();
 /// What both files take on the disk; 0 without a store.
 uint64_t ImageStoreBytes(const std::string& library_folder);
 
@@ -42,7 +49,8 @@ class ImageStore {
   ImageStore(const ImageStore&) = delete;
   ImageStore& operator=(const ImageStore&) = delete;
 
-  /// False when the library has no store yet. Throws ToolError when it cannot be opened.
+  /// False when the library has no store yet. Throws ToolError when it cannot be opened; who holds
+  /// the ImportLock calls PrepareImageStore before.
   bool Open();
   bool Has(const std::string& key);
   /// Shows an image to `use` as it lies in the store; false when there is none.

@@ -21,6 +21,8 @@ constexpr const char* kSearchName = "search.vdb";
 constexpr const char* kFactsName = "facts.vdb";
 constexpr const char* kUnfinishedName = "catalogue.vdb.new";
 constexpr int kWrongPassword = 3031;
+/// The file is damaged, or what is there is no database.
+constexpr std::array kDamage{3049, 3343};
 /// Null keys and fields, too long texts, too large numbers, texts that are no numbers.
 constexpr std::array kValueErrors{3058, 3163, 3314, 3349, 3421};
 
@@ -44,8 +46,11 @@ void Report(int code, std::string message) {
   reported.reset();
   const bool concerns_value =
       std::find(kValueErrors.begin(), kValueErrors.end(), error.code) != kValueErrors.end();
+  const bool is_damage = std::find(kDamage.begin(), kDamage.end(), error.code) != kDamage.end();
+  const char* advice =
+      is_damage ? " (vdsto check says what is left, vdsto restore brings back a backup)" : "";
   throw ToolError(error.code == kWrongPassword ? ExitCode::kWrongPassword : otherwise,
-                  error.message, concerns_value);
+                  error.message + advice, concerns_value);
 }
 
 void CreateCatalogue(const std::string& folder, const std::string& password) {
@@ -142,6 +147,14 @@ vdstomgr::FolderArray Library::AllFolders() {
 PhotoTexts& Library::TextsOfPhotos() {
   if (!texts_) texts_ = std::make_unique<PhotoTexts>(*this, password_);
   return *texts_;
+}
+
+void Library::ForEachPhoto(const std::function<void(const PHOTOINFO&)>& use) {
+  vdstomgr::CountArray folders;
+  Call([&](auto& catalogue) { return catalogue.GetPhotoCountInFolders(folders); });
+  for (const COUNTINFOLDER& folder : folders) {
+    for (const PHOTOINFO& photo : PhotosIn(folder.dwFolderID)) use(photo);
+  }
 }
 
 std::optional<PHOTOINFO> Library::Photo(const std::string& guid) {

@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -60,6 +61,8 @@ class Library {
   vdstomgr::PhotoArray PhotosIn(uint32_t folder);
   vdstomgr::FolderArray FoldersIn(uint32_t folder);
   vdstomgr::FolderArray AllFolders();
+  /// Every photo, also those in the trash.
+  void ForEachPhoto(const std::function<void(const PHOTOINFO&)>& use);
   /// Nothing when there is no such photo.
   std::optional<PHOTOINFO> Photo(const std::string& guid);
 

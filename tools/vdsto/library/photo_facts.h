@@ -48,4 +48,13 @@ struct ImportPlace {
   bool operator==(const ImportPlace&) const = default;
 };
 
+/// What an import came upon and could not read, so that the catalogue has no photo of it, or an old
+/// state.
+struct UnreadableFile {
+  std::string path;  ///< of a file or folder, byte for byte
+  std::string reason;
+
+  bool operator==(const UnreadableFile&) const = default;
+};
+
 }  // namespace vdsto

@@ -1,12 +1,11 @@
 #pragma once
 #include <string>
 
-#include "tools/vdsto/library/library.h"
+#include "tools/vdsto/library/catalogue_file.h"
 
 namespace vdsto {
 
-/// Titles and descriptions, which the records of photos do not carry: it reads them from the
-/// catalogue's file itself, over a connection of its own.
+/// Titles and descriptions, which the records of photos do not carry.
 class PhotoTexts {
  public:
   struct Texts {
@@ -15,13 +14,13 @@ class PhotoTexts {
   };
 
   /// Of a library that is open already with this password. Throws ToolError.
-  PhotoTexts(const Library& library, const std::string& password);
+  PhotoTexts(const Library& library, const std::string& password) : file_(library, password) {}
 
   /// Empty when there is no such photo. Throws ToolError.
   Texts Of(const std::string& guid);
 
  private:
-  CRkDaoDatabase database_;
+  CatalogueFile file_;
 };
 
 }  // namespace vdsto

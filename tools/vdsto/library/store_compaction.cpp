@@ -1,46 +1,53 @@
 #include "tools/vdsto/library/store_compaction.h"
 
-#include <algorithm>
 #include <filesystem>
 
 #include "tools/vdsto/library/image_store.h"
+#include "tools/vdsto/library/store_census.h"
+#include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
 #include "tools/vdsto/tool_error.h"
 
 namespace vdsto {
 namespace {
 
-constexpr size_t kGuidLength = 36;
+/// What the new store may need besides its images: the last step of both files, and the system's
+/// own of a file.
+constexpr uint64_t kMargin = 2 * (uint64_t{4} << 20);
 
-/// What an import leaves that was killed while it added an image: nothing is lost with it.
-bool IsHarmless(const vdstomgr::StorageFinding& finding) {
-  return vdstomgr::IsMendedByLoad(finding.fault) ||
-         finding.fault == vdstomgr::StorageFault::RecordWithoutCluster;
+constexpr uint64_t kClusterBytes = 62;
+
+/// A compaction writes the images that stay a second time before it deletes the old files.
+void RequireRoom(const std::string& path, uint64_t image_bytes, int images) {
+  const uint64_t needed = image_bytes + static_cast<uint64_t>(images) * kClusterBytes + kMargin;
+  std::error_code error;
+  const auto space = std::filesystem::space(ParentOf(path), error);
+  if (error || space.available >= needed) return;
+  throw ToolError(ExitCode::kRefused,
+                  Printable(path) + " needs " + HumanSize(needed) + " beside it to be compacted, " +
+                      HumanSize(space.available) + " are free: make room first");
 }
 
-/// A compaction keeps nothing of a damaged image; repairing names it first.
-void RequireSound(const std::string& path) {
-  const auto report = vdstomgr::VerifyStorage(path.c_str());
-  const bool is_harmless = report.findings.size() == report.finding_count &&
-                           std::all_of(report.findings.begin(), report.findings.end(), &IsHarmless);
-  if (report.is_sound || is_harmless) return;
-  throw ToolError(ExitCode::kDamaged,
-                  Printable(path) + " has faults: run vdsto store repair before compacting");
+uint64_t LengthAt(CRkStorageManager& storage, int position) {
+  int length = 0;
+  storage.GetBuffer(position, length);
+  storage.ReleaseBuffer();
+  return static_cast<uint64_t>(length);
 }
 
-bool IsNamed(Library& library, const std::string& key) {
-  const auto photo = library.Photo(key.substr(0, kGuidLength));
-  return photo && ImageKeyOf(photo->GetLTBURL()) == key;
-}
-
-uint64_t DropUnnamed(Library& library, CRkStorageManager& storage) {
-  uint64_t dropped = 0;
+/// Answers the bytes of the images that were dropped.
+uint64_t DropUnnamed(Library& library, CRkStorageManager& storage, CompactionSummary& summary) {
+  uint64_t bytes = 0;
   for (int position = storage.GetSize() - 1; position >= 0; --position) {
     CString key;
     storage.GetKeyAtString(position, key);
-    if (!IsNamed(library, key.Str()) && storage.RemoveAt(position)) ++dropped;
+    if (PhotoOfImage(library, key.Str())) continue;
+    const uint64_t length = LengthAt(storage, position);
+    if (!storage.RemoveAt(position)) continue;
+    bytes += length;
+    ++summary.dropped;
   }
-  return dropped;
+  return bytes;
 }
 
 void DeleteOldPair(const std::string& path) {
@@ -59,20 +66,28 @@ void OpenStorage(const std::string& path, CRkStorageManager& storage) {
   });
 }
 
-CompactionSummary CompactImageStore(Library& library) {
+/// Faults go before: a compaction by itself would keep the keys of damaged images.
+CompactionSummary CompactImageStore(Library& library, const ImportLock& lock) {
   const std::string path = ImageStorePath(library.Folder());
   CompactionSummary summary;
+  summary.repair = RepairImageStore(library.Folder(), lock);
+  if (!IsImageStoreThere(library.Folder())) return summary;
   CRkStorageManager storage;
   OpenStorage(path, storage);
-  RequireSound(path);
+  if (!summary.repair.IsMended()) {
+    throw ToolError(ExitCode::kDamaged, Printable(path) +
+                                            " has faults that could not be repaired: "
+                                            "vdsto store repair says why");
+  }
   summary.bytes_before = ImageStoreBytes(library.Folder());
-  summary.dropped = DropUnnamed(library, storage);
+  const uint64_t dropped_bytes = DropUnnamed(library, storage, summary);
   const int kept = storage.GetSize();
+  RequireRoom(path, summary.repair.report.found.live_bytes - dropped_bytes, kept);
   storage.FreeStorageFile();
   if (!CRkStorageManager::CompactStorageFile(path.c_str())) {
-    throw ToolError(ExitCode::kCatalogue, Printable(path) +
-                                              " could not be compacted and stays as it was: is "
-                                              "the disk full?");
+    throw ToolError(
+        ExitCode::kCatalogue,
+        Printable(path) + " could not be compacted and stays as it was" + SystemReason());
   }
   OpenStorage(path, storage);
   if (storage.GetSize() != kept || !vdstomgr::SyncStorage(storage)) {

@@ -16,17 +16,6 @@ Upload UploadOf(const UPLOADLIST& row, int position) {
           row.szServerPath, row.nStatus, row.dxFileSize, row.dxSentBytes};
 }
 
-UPLOADLIST RowOf(const PHOTOINFO& photo, const std::string& folder) {
-  UPLOADLIST row;
-  vdstomgr::CopyToFixed(row.szGUID, photo.szGUID);
-  vdstomgr::CopyToFixed(row.szOPPath, photo.GetOPURL());
-  vdstomgr::CopyToFixed(row.szServerPath, folder);
-  row.SetFileName(photo.GetFileName());
-  row.dxFileSize = photo.FileSize;
-  row.byteRotate = photo.byteRotate;
-  return row;
-}
-
 }  // namespace
 
 std::vector<Upload> ReadUploads(Library& library) {
@@ -64,6 +53,17 @@ void RequireUploadable(const PHOTOINFO& photo) {
                                             " cannot be uploaded: where its file is, is not known");
 }
 
+UPLOADLIST UploadRow(const PHOTOINFO& photo, const std::string& folder) {
+  UPLOADLIST row;
+  vdstomgr::CopyToFixed(row.szGUID, photo.szGUID);
+  vdstomgr::CopyToFixed(row.szOPPath, photo.GetOPURL());
+  vdstomgr::CopyToFixed(row.szServerPath, folder);
+  row.SetFileName(photo.GetFileName());
+  row.dxFileSize = photo.FileSize;
+  row.byteRotate = photo.byteRotate;
+  return row;
+}
+
 void QueueUploads(Library& library, const CStringArray& guids,
                   const std::function<std::string(uint32_t folder)>& name_of) {
   for (int first = 0; first < guids.GetSize(); first += kRowsPerCommit) {
@@ -73,7 +73,7 @@ void QueueUploads(Library& library, const CStringArray& guids,
       const auto photo = library.Photo(guids[i].Str());
       if (!photo) continue;  // deleted meanwhile
       queued.Add(guids[i]);
-      rows.Add(RowOf(*photo, name_of(photo->dwFolderID)));
+      rows.Add(UploadRow(*photo, name_of(photo->dwFolderID)));
     }
     library.Call([&](auto& catalogue) {
       catalogue.DelUploadList(queued);

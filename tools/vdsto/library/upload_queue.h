@@ -38,6 +38,9 @@ std::vector<Upload> ReadUploads(Library& library, int first, int count);
 /// Throws ToolError when the catalogue does not know where the photo's file is.
 void RequireUploadable(const PHOTOINFO& photo);
 
+/// What a row of either queue says of a photo that is to go to a folder, and is ready.
+UPLOADLIST UploadRow(const PHOTOINFO& photo, const std::string& folder);
+
 /// Puts photos at the end of the queue, in place of finished uploads of them; each is to go to the
 /// folder that `name_of` calls its own. Throws ToolError.
 void QueueUploads(Library& library, const CStringArray& guids,

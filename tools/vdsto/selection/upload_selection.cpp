@@ -10,16 +10,20 @@
 namespace vdsto {
 namespace {
 
-[[noreturn]] void ThrowNotQueued(Library& library, const std::string& guid) {
+[[noreturn]] void ThrowNotQueued(Library& library, const std::string& guid, const char* how) {
   const auto photo = library.Photo(guid);
   const std::string name = photo ? CataloguePath(library).NameOf(*photo) : guid;
-  throw ToolError(ExitCode::kNotFound, Printable(name) + " is not queued: vdsto upload add queues");
+  throw ToolError(ExitCode::kNotFound, Printable(name) + " is not queued: " + how + " queues");
 }
 
 }  // namespace
 
 std::vector<Upload> SelectUploads(Library& library, const PhotoWords& words) {
-  std::vector<Upload> uploads = ReadUploads(library);
+  return SelectUploads(library, words, ReadUploads(library), "vdsto upload add");
+}
+
+std::vector<Upload> SelectUploads(Library& library, const PhotoWords& words,
+                                  std::vector<Upload> uploads, const char* how) {
   std::set<std::string> queued, wanted;
   for (const Upload& upload : uploads) queued.insert(upload.guid);
   PhotoWords photos = words;
@@ -27,7 +31,7 @@ std::vector<Upload> SelectUploads(Library& library, const PhotoWords& words) {
     return queued.contains(word) && wanted.insert(word).second;
   });
   for (const CString& guid : SelectPhotos(library, photos)) {
-    if (!queued.contains(guid.Str())) ThrowNotQueued(library, guid.Str());
+    if (!queued.contains(guid.Str())) ThrowNotQueued(library, guid.Str(), how);
     wanted.insert(guid.Str());
   }
   std::erase_if(uploads, [&](const Upload& upload) { return !wanted.contains(upload.guid); });

@@ -54,16 +54,19 @@ std::string OutgoingFile::Stamp() const {
 void OutgoingFile::Begin(uint64_t position) {
   position_ = position;
   unnoted_ = 0;
+  is_whole_ = false;
   NoteArrival();
 }
 
 size_t OutgoingFile::Read(std::span<char> buffer) {
   if (IsInterrupted()) throw UploadStopped();
+  if (is_whole_) return 0;
   const size_t wanted =
       static_cast<size_t>(std::min<uint64_t>(limiter_.Portion(buffer.size()), Size() - position_));
   const size_t count = ReadAt(position_, buffer.first(wanted));
   if (count < wanted) ThrowChanged();
-  if (position_ + count == Size()) RequireUnchanged();
+  is_whole_ = position_ + count == Size();
+  if (is_whole_) RequireUnchanged();
   if (count > 0) limiter_.Wait(count);
   position_ += count;
   unnoted_ += count;

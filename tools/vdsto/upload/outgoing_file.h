@@ -50,7 +50,8 @@ class OutgoingFile {
   int descriptor_;
   struct stat state_ {};
   uint64_t position_ = 0;
-  uint64_t unnoted_ = 0;  // bytes read since the last arrival
+  uint64_t unnoted_ = 0;   // bytes read since the last arrival
+  bool is_whole_ = false;  // all was read, and the file had not changed then
 };
 
 }  // namespace vdsto

@@ -1,7 +1,10 @@
 #include "tools/vdsto/upload/upload_queue.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
+#include "tools/vdsto/library/upload_gifts.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/upload/upload_names.h"
 
@@ -11,22 +14,7 @@ namespace {
 constexpr int kFinished = 2;
 /// Rows are claimed ahead as far as they are used up in this time.
 constexpr std::chrono::milliseconds kMoment{100};
-constexpr size_t kMostAhead = 64;
-
-/// Before the row is finished, so that a killed run does it again rather than never.
-void GiveTagsAndAlbums(CRkPhotoDBManager& catalogue, const char* guid) {
-  CDWordArray tags;
-  if (catalogue.GetUploadTag(guid, tags) > 0) {
-    for (const DWORD tag : tags) catalogue.AddTag(guid, tag, true);
-    catalogue.DelUploadTag(guid);
-  }
-  vdstomgr::AlbumIndexArray albums;
-  if (catalogue.GetUploadAlbum(guid, albums) > 0) {
-    for (const ALBUMINDEX& album : albums)
-      catalogue.AddAlbum(guid, album.dwRoomID, album.dwAlbumID);
-    catalogue.DelUploadAlbum(guid);
-  }
-}
+constexpr size_t kMostAhead = 512;
 
 }  // namespace
 
@@ -48,27 +36,51 @@ UploadQueue::Sum UploadQueue::Ready() {
 }
 
 std::optional<QueuedFile> UploadQueue::Claim() {
-  const std::lock_guard lock(writing_);
-  if (claimed_.empty()) ClaimSome();
+  std::unique_lock lock(claiming_);
+  claims_changed_.wait(lock, [&] { return !claimed_.empty() || !is_claiming_; });
+  if (!is_claiming_ && claimed_.size() <= (is_short_ ? 0 : ahead_ / 2)) ClaimMore(lock);
   if (claimed_.empty()) return std::nullopt;
   QueuedFile file = std::move(claimed_.front());
   claimed_.pop_front();
   return file;
 }
 
-void UploadQueue::ClaimSome() {
+void UploadQueue::ClaimMore(std::unique_lock<std::mutex>& lock) {
   const auto now = Clock::now();
-  ahead_ = now - last_claim_ < kMoment ? std::min(2 * ahead_, kMostAhead) : 1;
-  last_claim_ = now;
+  const auto took = std::max<Clock::duration>(now - std::exchange(last_claim_, now), kMoment / 2);
+  ahead_ =
+      std::clamp<size_t>(ahead_ * Clock::duration(kMoment).count() / took.count(), 1, kMostAhead);
+  const size_t wanted = ahead_;
+  is_claiming_ = true;
+  lock.unlock();
+  const struct End {
+    UploadQueue& queue;
+    std::unique_lock<std::mutex>& lock;
+    ~End() {
+      if (!lock.owns_lock()) lock.lock();
+      queue.is_claiming_ = false;
+      queue.claims_changed_.notify_all();
+    }
+  } end{*this, lock};
+  auto files = ClaimSome(wanted);
+  lock.lock();
+  is_short_ = files.size() < wanted;
+  std::ranges::move(files, std::back_inserter(claimed_));
+}
+
+std::deque<QueuedFile> UploadQueue::ClaimSome(size_t count) {
+  const std::lock_guard lock(writing_);
   std::vector<UPLOADLIST> rows;
   library_.Call([&](auto& catalogue) {
     return catalogue.InOneCommit([&] {
       WriteNotes(catalogue);
       UPLOADLIST row;
-      while (rows.size() < ahead_ && catalogue.GetNextUploadList(row)) rows.push_back(row);
+      while (rows.size() < count && catalogue.GetNextUploadList(row)) rows.push_back(row);
     });
   });
-  for (const UPLOADLIST& row : rows) claimed_.push_back(Described(row));
+  std::deque<QueuedFile> files;
+  for (const UPLOADLIST& row : rows) files.push_back(Described(row));
+  return files;
 }
 
 QueuedFile UploadQueue::Described(const UPLOADLIST& row) {
@@ -129,7 +141,8 @@ void UploadQueue::WriteNotes(CRkPhotoDBManager& catalogue) {
   for (const auto& [guid, bytes] : notes.sent)
     catalogue.UpdateSentBytesInUploadInfo(guid.c_str(), bytes);
   for (const auto& [guid, status] : notes.results) {
-    if (status == kFinished) GiveTagsAndAlbums(catalogue, guid.c_str());
+    // Before the row is finished, so that a killed run does it again rather than never.
+    if (status == kFinished) GiveGifts(catalogue, guid.c_str());
     catalogue.SetUploadListStatus(guid.c_str(), status);
   }
 }

@@ -1,5 +1,6 @@
 #pragma once
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <map>
@@ -39,7 +40,8 @@ class UploadQueue {
   /// What is ready.
   Sum Ready();
 
-  /// The next ready file, in transfer from now on; nothing when none is left.
+  /// The next ready file, in transfer from now on; nothing when none is left. The thread that takes
+  /// one of the last that were claimed ahead claims more, while the others go on with those.
   std::optional<QueuedFile> Claim();
   /// How much of a file the target has.
   void NoteSent(const std::string& guid, uint64_t bytes);
@@ -58,7 +60,8 @@ class UploadQueue {
     std::vector<std::pair<std::string, int>> results;  // GUID and status
   };
 
-  void ClaimSome();
+  std::deque<QueuedFile> ClaimSome(size_t count);
+  void ClaimMore(std::unique_lock<std::mutex>& lock);
   void WriteNotes(CRkPhotoDBManager& catalogue);
   QueuedFile Described(const UPLOADLIST& row);
   std::string CatalogueFolderOf(const std::string& guid);
@@ -67,8 +70,13 @@ class UploadQueue {
   CataloguePath paths_;
 
   std::mutex writing_;  // over every work on the catalogue, and guards:
-  std::deque<QueuedFile> claimed_;
   std::map<uint32_t, std::string> folder_names_;
+
+  std::mutex claiming_;  // guards:
+  std::condition_variable claims_changed_;
+  std::deque<QueuedFile> claimed_;
+  bool is_claiming_ = false;
+  bool is_short_ = false;  // the catalogue had no more
   size_t ahead_ = 1;
   Clock::time_point last_claim_{};
 

@@ -8,7 +8,10 @@
 #include "vdstomgr/platform/framework/cstring.h"
 #include "vdstomgr/platform/framework/types.h"
 
-/// What a variant holds.
+/// What a variant holds. On Windows the SDK's own.
+#if defined(_WIN32)
+#include <wtypes.h>
+#else
 enum VARTYPE : std::uint16_t {
   VT_EMPTY = 0,
   VT_NULL = 1,
@@ -16,8 +19,10 @@ enum VARTYPE : std::uint16_t {
   VT_R8 = 5,
   VT_BSTR = 8,
   VT_UI1 = 17,
-  VT_BYTES = 0x2000 | VT_UI1,  ///< an array of bytes
+  VT_ARRAY = 0x2000,
 };
+#endif
+inline constexpr auto VT_BYTES = static_cast<VARTYPE>(VT_ARRAY | VT_UI1);  ///< an array of bytes
 
 /// A column value of changing type. Text is in the process's code page.
 class VDSTO_API COleVariant {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 
 #include "vdstomgr/platform/dao/dao_database.h"
@@ -24,7 +25,10 @@ class VDSTO_API CRkDaoRecordset : public CDaoRecordset {
   using CDaoRecordset::CDaoRecordset;
   using CDaoRecordset::SetFieldValue;
 
-  void SetFieldValue(const char* column, std::uint32_t value) {
+  /// DWORD and std::uint32_t, which are two types on Windows.
+  template <std::unsigned_integral Number>
+  requires(sizeof(Number) == sizeof(std::int32_t)) void SetFieldValue(const char* column,
+                                                                      Number value) {
     CDaoRecordset::SetFieldValue(column, COleVariant(static_cast<std::int32_t>(value)));
   }
   void SetFieldValue(const char* column, std::uint16_t value) {

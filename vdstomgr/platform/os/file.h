@@ -20,6 +20,13 @@ enum class OpenMode {
   read_write  ///< reading and writing an existing file that nobody has claimed
 };
 
+/// Can a file be deleted that somebody has open, other than by the calls below?
+#if defined(_WIN32)
+inline constexpr bool kDeletesOpenFiles = false;
+#else
+inline constexpr bool kDeletesOpenFiles = true;
+#endif
+
 /// What the system may hold back of what WriteAt writes. Mapped pages are not concerned.
 enum class Caching {
   normal,         ///< as it likes

@@ -1,10 +1,10 @@
 #include "vdstomgr/platform/dao/sqlite/errors.h"
+#include "vdstomgr/platform/os/system_error.h"
 
 #include <sqlite3.h>
 
 #include <array>
 #include <cassert>
-#include <cerrno>
 #include <optional>
 #include <string>
 
@@ -93,19 +93,14 @@ std::string_view AfterColon(std::string_view message) {
   }
 }
 
-bool IsNoSpace(const std::error_code& error) {
-  return error == std::errc::no_space_on_device || error == std::errc::file_too_large ||
-         error == std::error_condition(EDQUOT, std::generic_category());
-}
-
 bool IsDiskFull(int code, const std::error_code& error) {
-  return code == SQLITE_FULL || ((code & 0xff) == SQLITE_IOERR && IsNoSpace(error));
+  return code == SQLITE_FULL || ((code & 0xff) == SQLITE_IOERR && os::IsNoSpace(error));
 }
 
 }  // namespace
 
 void ThrowFileError(const std::error_code& error, std::string_view path) {
-  if (IsNoSpace(error)) dao::Throw(Error::DiskFull);
+  if (os::IsNoSpace(error)) dao::Throw(Error::DiskFull);
   if (error == std::errc::file_exists) dao::Throw(Error::DatabaseExists);
   if (error == std::errc::no_such_file_or_directory) dao::Throw(Error::FileNotFound, path);
   if (error == std::errc::io_error) dao::Throw(Error::DiskOrNetwork);

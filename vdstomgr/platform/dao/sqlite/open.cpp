@@ -10,6 +10,8 @@
 #include "vdstomgr/platform/dao/sqlite/errors.h"
 #include "vdstomgr/platform/dao/sqlite/functions.h"
 #include "vdstomgr/platform/dao/sqlite/gram_tokenizer.h"
+#include "vdstomgr/platform/os/file.h"
+#include "vdstomgr/platform/os/long_path.h"
 
 namespace vdstomgr::sqlite {
 namespace {
@@ -78,7 +80,7 @@ void Run(sqlite3* db, const char* sql, const std::string& path) {
 DatabaseHandle OpenHandle(const std::string& path) {
   sqlite3* raw = nullptr;
   constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
-  const int code = sqlite3_open_v2(path.c_str(), &raw, kFlags, nullptr);
+  const int code = sqlite3_open_v2(os::LongPath(path).c_str(), &raw, kFlags, nullptr);
   DatabaseHandle db(raw);
   if (code != SQLITE_OK) ThrowEngineError(db.get(), code, path);
   if (sqlite3_db_readonly(db.get(), "main") == 1) Throw(Error::FileNotAccessible, path);
@@ -166,9 +168,12 @@ bool DeleteDatabase(const std::string& path) {
   try {
     if (IsGone(path)) return true;
     RequireFile(path);
-    // Held until the names are gone, so that nobody opens the file while it is deleted.
-    const DatabaseHandle db = OpenHandle(path);
-    return LockAlone(db.get(), path) && RemoveFiles(path);
+    // Held until the names are gone, so that nobody opens the file while it is deleted; where the
+    // system refuses to delete a file that somebody has open, it sees to that itself.
+    DatabaseHandle db = OpenHandle(path);
+    if (!LockAlone(db.get(), path)) return false;
+    if (!os::kDeletesOpenFiles) db.reset();
+    return RemoveFiles(path);
   } catch (const CDaoException&) {
     return false;  // whether somebody uses it cannot be told
   }

@@ -1,3 +1,4 @@
+#include "vdstomgr/platform/os/long_path.h"
 #include "vdstomgr/platform/os/win32/system_call.h"
 
 namespace vdstomgr::os {
@@ -30,6 +31,19 @@ std::wstring WidePath(const std::string& path) {
   const std::wstring full = FullPath(wide);
   if (full.size() < MAX_PATH || full.starts_with(L"\\\\?\\")) return wide;
   return full.starts_with(L"\\\\") ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
+}
+
+std::string LongPath(const std::string& path) {
+  const std::wstring wide = WidePath(path);
+  if (!wide.starts_with(L"\\\\?\\")) return path;
+  const auto convert = [&](char* narrow, int capacity) {
+    const int characters = static_cast<int>(wide.size());
+    return WideCharToMultiByte(CP_UTF8, 0, wide.data(), characters, narrow, capacity, nullptr,
+                               nullptr);
+  };
+  std::string narrow(static_cast<std::size_t>(convert(nullptr, 0)), '\0');
+  convert(narrow.data(), static_cast<int>(narrow.size()));
+  return narrow;
 }
 
 }  // namespace vdstomgr::os

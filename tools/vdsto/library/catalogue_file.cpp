@@ -1,0 +1,15 @@
+#include "tools/vdsto/library/catalogue_file.h"
+
+#include "tools/vdsto/library/database_password.h"
+
+namespace vdsto {
+
+CatalogueFile::CatalogueFile(const Library& library, const std::string& password) {
+  try {
+    OpenUnderPassword(database_, library.CataloguePath(), password);
+  } catch (const CDaoException& error) {
+    throw ToolError(ExitCode::kCannotOpen, error.what());
+  }
+}
+
+}  // namespace vdsto
