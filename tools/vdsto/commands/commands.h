@@ -33,6 +33,8 @@ void AddFolder(CommandGroup& tool);
 void AddRoom(CommandGroup& tool);
 void AddAlbum(CommandGroup& tool);
 void AddReset(CommandGroup& tool);
+void AddBackup(CommandGroup& tool);
+void AddRestore(CommandGroup& tool);
 /// `vdsto upload run`, for the group `upload`.
 void AddUploadRun(CommandGroup& upload);
 
