@@ -13,10 +13,11 @@ enum class ExitCode {
   kWrongPassword = 4,
   kCatalogue = 5,   ///< reading or writing the open catalogue or image store failed
   kNotFound = 6,    ///< what was asked for is not there or cannot be read
-  kDamaged = 7,     ///< something is wrong with the library: see vdsto check
+  kDamaged = 7,     ///< something is wrong with the library (see vdsto check) or a backup
   kRefused = 8,     ///< not done, so that nothing is lost
   kIncomplete = 9,  ///< some of what was asked for could not be read or sent; the rest is done
-  kTarget = 10,     ///< the target of an upload cannot be reached, does not let in or is full
+  kTarget =
+      10,  ///< the target of an upload or backup cannot be reached, does not let in or is full
   kInterrupted = 130,
 };
 
