@@ -76,7 +76,18 @@ class FaultyDisk : public vdstomgr::os::ForwardingFileSystem {
     sqlite3_file* Real() { return reinterpret_cast<sqlite3_file*>(this + 1); }
   };
 
-  static FaultyDisk& DiskOf(sqlite3_vfs* vfs) { return *static_cast<FaultyDisk*>(vfs->pAppData); }
+  /// What the engine asks the system for after a failure.
+  void TellSystemError() const {
+#if defined(_WIN32)
+    SetLastError(fault_ == Fault::Full ? ERROR_DISK_FULL : ERROR_IO_DEVICE);
+#else
+    errno = Error().default_error_condition().value();
+#endif
+  }
+
+  static FaultyDisk& DiskOf(sqlite3_vfs* vfs) {
+    return *static_cast<FaultyDisk*>(vfs->pAppData);
+  }
 
   template <auto method, int failure, class... Arguments>
   static int CallSystem(sqlite3_vfs* vfs, Arguments... arguments) {
@@ -147,7 +158,7 @@ class FaultyDisk : public vdstomgr::os::ForwardingFileSystem {
     handle->pMethods = nullptr;
     handle->disk = &disk;
     if (disk.Fails((flags & SQLITE_OPEN_CREATE) != 0)) {
-      errno = disk.Error().default_error_condition().value();
+      disk.TellSystemError();
       return SQLITE_CANTOPEN;
     }
     const int code = disk.real_->xOpen(disk.real_, name, handle->Real(), flags, out);

@@ -26,11 +26,13 @@ TEST(Report, GoesToTheHandlerAndElseToStandardError) {
   SetMessageBoxHandler(nullptr);
   SetDatabaseErrorHandler(nullptr);
   SetTraceHandler(nullptr);
+#if !defined(_WIN32)  // would show them in message boxes, and wait
   testing::internal::CaptureStderr();
   ShowMessageBox("box");
   ReportDatabaseError(3031, "password");
   Trace("%s", "nobody listens");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "box\ndatabase error 3031: password\n");
+#endif
   EXPECT_EQ(seen, "box 3031 password CWQTPParser(a, b, c) 5%");
 }
 

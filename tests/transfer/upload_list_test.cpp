@@ -110,7 +110,9 @@ TEST_F(UploadTest, PlacesOfAProcess) {
     }
     const UploadListArray two{Upload("a"), Upload("b")};
     places += Answers{other.AddUploadList(two), other.GetUploadListMaxDispOrder()};
-    std::filesystem::remove_all(folder_);
+    for (OpenCatalogue* catalogue : {&catalogue_, &other}) catalogue->CloseDB();
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
     fprintf(stderr, "places: %s.\n", places.c_str());
     exit(0);
   };

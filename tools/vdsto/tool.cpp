@@ -18,7 +18,7 @@ constexpr std::array kGroups{
     &AddTagged, &AddThumb,      &AddGallery, &AddRate,    &AddTag,     &AddTitle,    &AddDescribe,
     &AddRotate, &AddFlag,       &AddCamera,  &AddTrash,   &AddUpload,  &AddSync,     &AddSyncList,
     &AddNotify, &AddMakeFolder, &AddMove,    &AddFolder,  &AddRoom,    &AddAlbum,    &AddStat,
-    &AddStore,  &AddCheck,      &AddSql,     &AddReindex, &AddReset};
+    &AddStore,  &AddCheck,      &AddSql,     &AddReindex, &AddReset,   &AddBackup,   &AddRestore};
 
 constexpr const char* kExitCodes = R"(Exit codes:
   0    done; broken pictures are kept and named, and are no failure
@@ -28,10 +28,10 @@ constexpr const char* kExitCodes = R"(Exit codes:
   4    wrong password
   5    reading or writing the catalogue or the image store failed
   6    what was asked for is not there or cannot be read
-  7    check has found something wrong, or the image store has faults
+  7    check has found something wrong, or the image store or a backup has faults
   8    not done, so that nothing is lost
-  9    done in part: a folder to import could not be read, a file not be uploaded
-  10   the target of an upload cannot be reached, does not let in or is full
+  9    done in part: a folder to import could not be read, a file not be uploaded or backed up
+  10   the target of an upload or backup cannot be reached, does not let in or is full
   11   an import could not read or store some files; the others are done
   130  interrupted; what was done until then is kept)";
 

@@ -11,12 +11,13 @@ enum class ExitCode {
   kUsage = 2,
   kCannotOpen = 3,  ///< the library, its catalogue or its image store cannot be opened
   kWrongPassword = 4,
-  kCatalogue = 5,    ///< reading or writing the open catalogue or image store failed
-  kNotFound = 6,     ///< what was asked for is not there or cannot be read
-  kDamaged = 7,      ///< something is wrong with the library: see vdsto check
-  kRefused = 8,      ///< not done, so that nothing is lost
-  kIncomplete = 9,   ///< some of what was asked for could not be read or sent; the rest is done
-  kTarget = 10,      ///< the target of an upload cannot be reached, does not let in or is full
+  kCatalogue = 5,   ///< reading or writing the open catalogue or image store failed
+  kNotFound = 6,    ///< what was asked for is not there or cannot be read
+  kDamaged = 7,     ///< something is wrong with the library (see vdsto check) or a backup
+  kRefused = 8,     ///< not done, so that nothing is lost
+  kIncomplete = 9,  ///< some of what was asked for could not be read or sent; the rest is done
+  kTarget =
+      10,  ///< the target of an upload or backup cannot be reached, does not let in or is full
   kUnreadable = 11,  ///< an import could not read or store some files; the rest is done
   kInterrupted = 130,
 };

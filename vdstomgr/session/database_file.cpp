@@ -19,22 +19,6 @@ void CloseQuietly(CRkDaoDatabase& database) {
   }
 }
 
-void OpenWith(CRkDaoDatabase& database, const CString& path, std::string_view password) {
-  database.Open(path, false, false, ";PWD=" + CString(password));
-}
-
-/// Passwords were once cut at 20 bytes of the process's code page. A file made then still opens.
-void OpenWithEitherCut(CRkDaoDatabase& database, const CString& path, std::string_view password) {
-  const std::string_view cut = CutPassword(password);
-  const std::string_view once = CutToBytes(password, kPasswordPlaces);
-  try {
-    OpenWith(database, path, cut);
-  } catch (const CDaoException& error) {
-    if (error.Code() != static_cast<int>(dao::Error::InvalidPassword) || cut == once) throw;
-    OpenWith(database, path, once);
-  }
-}
-
 }  // namespace
 
 std::string_view CutPassword(std::string_view password) {
@@ -46,6 +30,17 @@ std::string_view CutPassword(std::string_view password) {
     end += bytes;
   }
   return password.substr(0, end);
+}
+
+void WithEitherCut(std::string_view password, const std::function<void(std::string_view)>& open) {
+  const std::string_view cut = CutPassword(password);
+  const std::string_view once = CutToBytes(password, kPasswordPlaces);
+  try {
+    open(cut);
+  } catch (const CDaoException& error) {
+    if (error.Code() != static_cast<int>(dao::Error::InvalidPassword) || cut == once) throw;
+    open(once);
+  }
 }
 
 void CreateDatabaseFile(DatabaseSession& session, const CString& path, const char* password,
@@ -69,7 +64,9 @@ void CreateDatabaseFile(DatabaseSession& session, const CString& path, const cha
 void OpenDatabaseFile(DatabaseSession& session, const CString& path, const char* password,
                       const std::function<void()>& prepare) {
   CRkDaoDatabase& database = session.Database();
-  OpenWithEitherCut(database, path, ViewOf(password));
+  WithEitherCut(ViewOf(password), [&](std::string_view cut) {
+    database.Open(path, false, false, ";PWD=" + CString(cut));
+  });
   try {
     session.InOneCommit(prepare);
   } catch (...) {

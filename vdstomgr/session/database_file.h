@@ -15,6 +15,10 @@ namespace vdstomgr {
 /// every code page. A character is never split.
 std::string_view CutPassword(std::string_view password);
 
+/// Calls `open` with the start of a password that counts. Passwords were once cut at 20 bytes of
+/// the process's code page: when the file is under another password, tries that.
+void WithEitherCut(std::string_view password, const std::function<void(std::string_view)>& open);
+
 /// Makes a new file in place of any of that name, protected when the password is not empty, fills
 /// it by `fill` in one commit and closes it. A creation that fails leaves no file. A file that is
 /// open anywhere is refused.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cassert>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -69,6 +70,9 @@ enum class RunMode {
   SkipFailingRows  ///< such rows are left out
 };
 
+/// Is told of how many pages a copy has; false ends the copying.
+using CopyProgress = std::function<bool(int done, int total)>;
+
 /// One open database file.
 class Connection {
  public:
@@ -93,6 +97,16 @@ class Connection {
 
   /// Encrypts the file anew; an empty password leaves it plain.
   virtual void SetPassword(std::string_view password) = 0;
+
+  /// From now on this connection sees the file as it is at this moment, whatever others write.
+  /// Nothing is to be written through it any more.
+  virtual void HoldState() = 0;
+
+  /// Writes what this connection sees into a new file, under the same password, and lets the engine
+  /// check the copy. False when `progress` ended it. Then, and when it throws (FileDamaged,
+  /// DiskFull...), no file is left. The device may not hold the copy yet.
+  virtual bool CopyTo(const std::string& path, std::string_view password,
+                      const CopyProgress& progress) = 0;
 };
 
 /// Opens an existing database file for reading and writing. Throws FileNotFound, InvalidPassword,

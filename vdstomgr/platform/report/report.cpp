@@ -1,9 +1,10 @@
 #include "vdstomgr/platform/report/report.h"
 
+#include "vdstomgr/platform/os/message_box.h"
 #include "vdstomgr/platform/report/hooks.h"
+#include "vdstomgr/platform/text/code_page.h"
 
 #include <atomic>
-#include <cstdio>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -72,12 +73,12 @@ void SetTraceHandler(std::function<void(const char*)> handler) {
 }
 
 void ShowMessageBox(const char* text) {
-  if (!Immortal<MessageBoxHook>().Call(text)) std::fprintf(stderr, "%s\n", text);
+  if (!Immortal<MessageBoxHook>().Call(text)) os::ShowMessage(ToUtf8(text));
 }
 
 void ReportDatabaseError(int code, const char* message) {
   if (!Immortal<DatabaseErrorHook>().Call(code, message)) {
-    std::fprintf(stderr, "database error %d: %s\n", code, message);
+    os::ShowMessage("database error " + std::to_string(code) + ": " + ToUtf8(message));
   }
 }
 

@@ -38,6 +38,9 @@ class Connection final : public dao::Connection {
   void EndGroup() override;
   void SetPassword(std::string_view password) override;
   void IndexTexts(std::string_view table, std::string_view column) override;
+  void HoldState() override;
+  bool CopyTo(const std::string& path, std::string_view password,
+              const dao::CopyProgress& progress) override;
 
   sqlite3* Handle() const { return db_.get(); }
 

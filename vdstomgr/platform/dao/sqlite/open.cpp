@@ -1,3 +1,5 @@
+#include "vdstomgr/platform/dao/sqlite/open.h"
+
 #include <sqlite3.h>
 
 #include <cstdint>
@@ -128,7 +130,29 @@ void RequireWholeFile(sqlite3* db, const std::string& path) {
   if (code == SQLITE_OK && in_log == moved && is_short()) Throw(Error::FileDamaged, path);
 }
 
+void SetKey(sqlite3* db, std::string_view password, const std::string& path) {
+  if (password.empty()) return;
+  Check(db, sqlite3_key(db, password.data(), static_cast<int>(password.size())), path);
+}
+
 }  // namespace
+
+DatabaseHandle OpenCopy(const std::string& path, std::string_view password) {
+  MakeFile(path);
+  try {
+    DatabaseHandle db = OpenHandle(path);
+    SetKey(db.get(), password, path);
+    Configure(db.get());
+    InstallGramTokenizer(db.get());
+    Run(db.get(), "PRAGMA journal_mode = OFF", path);
+    Run(db.get(), "PRAGMA synchronous = OFF", path);
+    return db;
+  } catch (...) {
+    RemoveFiles(path);
+    throw;
+  }
+}
+
 }  // namespace vdstomgr::sqlite
 
 namespace vdstomgr::dao {
@@ -140,10 +164,7 @@ std::unique_ptr<Connection> OpenDatabase(const std::string& path, std::string_vi
   DatabaseHandle db = OpenHandle(path);
   const FileForm form = RecogniseFile(db.get(), path);
   if ((form == FileForm::Encrypted) != !password.empty()) Throw(Error::InvalidPassword);
-  if (!password.empty()) {
-    Check(db.get(), sqlite3_key(db.get(), password.data(), static_cast<int>(password.size())),
-          path);
-  }
+  SetKey(db.get(), password, path);
   Configure(db.get());
   ProveReadable(db.get(), form, path);
   RequireWholeFile(db.get(), path);

@@ -2,7 +2,6 @@
 #include "vdstomgr/platform/os/win32/system_call.h"
 
 namespace vdstomgr::os {
-namespace {
 
 std::wstring Widen(const std::string& text) {
   const auto convert = [&](wchar_t* wide, int capacity) {
@@ -13,6 +12,8 @@ std::wstring Widen(const std::string& text) {
   convert(wide.data(), static_cast<int>(wide.size()));
   return wide;
 }
+
+namespace {
 
 std::wstring FullPath(const std::wstring& path) {
   const auto resolve = [&](wchar_t* full, DWORD capacity) {

@@ -33,6 +33,9 @@ struct HandleCloser {
 /// A handle that somebody owns; null when there is none.
 using Handle = std::unique_ptr<void, HandleCloser>;
 
+/// The same text as the system takes it; empty when it is not UTF-8.
+std::wstring Widen(const std::string& text);
+
 /// A UTF-8 path as the system takes it, whatever its length; empty, which is no file's name, when
 /// it is not UTF-8.
 std::wstring WidePath(const std::string& path);

@@ -1,0 +1,29 @@
+#include "vdstomgr/session/database_snapshot.h"
+
+#include "vdstomgr/platform/dao/engine.h"
+#include "vdstomgr/platform/text/code_page.h"
+#include "vdstomgr/session/database_file.h"
+
+namespace vdstomgr {
+
+struct DatabaseSnapshot::State {
+  std::string password;  // as the file knows it, in UTF-8
+  std::unique_ptr<dao::Connection> connection;
+};
+
+DatabaseSnapshot::DatabaseSnapshot(const char* path, const char* password)
+    : state_(std::make_unique<State>()) {
+  WithEitherCut(ViewOf(password), [&](std::string_view cut) {
+    state_->password = ToUtf8(cut);
+    state_->connection = dao::OpenDatabase(ToUtf8(ViewOf(path)), state_->password);
+  });
+  state_->connection->HoldState();
+}
+
+DatabaseSnapshot::~DatabaseSnapshot() = default;
+
+bool DatabaseSnapshot::CopyTo(const char* path, const Progress& progress) {
+  return state_->connection->CopyTo(ToUtf8(ViewOf(path)), state_->password, progress);
+}
+
+}  // namespace vdstomgr
