@@ -119,6 +119,18 @@ TEST_F(SessionTest, APasswordThatWasOnceCutInBytesStillOpensItsFile) {
   EXPECT_TRUE(catalogue.OpenDB(Path("old.db").c_str(), password.c_str()));
 }
 
+TEST_F(SessionTest, AFileThatIsOpenForReadingStaysAsItIs) {
+  ASSERT_TRUE(catalogue_.RenameFolder(kGuestRoot, "mine", ""));
+  catalogue_.CloseDB();
+  ASSERT_TRUE(OpenForReading(catalogue_, file_.c_str(), ""));
+  EXPECT_TRUE(catalogue_.RefreshDB());
+  EXPECT_EQ(catalogue_.GetFolderName(kGuestRoot), "mine");
+  EXPECT_FALSE(catalogue_.AddPhotoInfo(Photo("g"), true));
+  EXPECT_FALSE(catalogue_.RenameFolder(kGuestRoot, "yours", ""));
+  EXPECT_EQ(TakeReports(), Reports(2, 3027));
+  EXPECT_EQ(catalogue_.GetFolderName(kGuestRoot), "mine");
+}
+
 TEST_F(SessionTest, ASecondOpenDoesNotWaitForTheLock) {
   std::atomic<bool> answered = false;
   const ScopedLock held(*catalogue_.GetDAOCriticalSection());
@@ -188,13 +200,19 @@ NOT_ON_WINDOWS(SessionTest, AFailedCreationLeavesNoFile, kNeedsChild)
 #else
 TEST_F(SessionTest, AFolderThatMayNotBeWrittenIsReportedOnce) {
   catalogue_.CloseDB();
+  const std::string odd = Path("a?b#%41.db");  // what means something in an address
+  std::filesystem::copy_file(file_, odd);
   std::filesystem::permissions(folder_, std::filesystem::perms(0555));
   std::filesystem::permissions(file_, std::filesystem::perms(0444));
   EXPECT_EQ(InChild([&] {
               if (geteuid() == 0 && setuid(65534) != 0) return 9;
               if (catalogue_.OpenDB(file_.c_str(), "") || TakeReports().size() != 1) return 1;
               if (catalogue_.CreateDB(Path("new.db").c_str(), "")) return 2;
-              return TakeReports().size() == 1 ? 0 : 3;
+              if (TakeReports().size() != 1) return 3;
+              if (!OpenForReading(catalogue_, odd.c_str(), "")) return 4;
+              if (catalogue_.GetFolderCount() != 6 || !TakeReports().empty()) return 5;
+              if (catalogue_.AddPhotoInfo(Photo("g"), true)) return 6;
+              return TakeReports() == Reports{3027} ? 0 : 7;
             }),
             0);
   std::filesystem::permissions(folder_, std::filesystem::perms(0755));

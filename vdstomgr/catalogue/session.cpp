@@ -22,10 +22,11 @@ void Session::cFillNewFile() {
 }
 
 void Session::cPrepareOpenedFile() {
+  m_bFolderChanged = true;
+  if (m_db->Database().IsReadOnly()) return;
   for (const DWORD root : {kPersonalRoot, kPublicRoot, kGuestRoot})
     m_db->Run("UPDATE FolderInfo SET szFolderName = '%s' WHERE dwFolderID = %d",
               RootFolderName(root), root);
-  m_bFolderChanged = true;
 }
 
 void Session::InitFieldData() {

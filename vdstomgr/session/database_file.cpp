@@ -62,10 +62,10 @@ void CreateDatabaseFile(DatabaseSession& session, const CString& path, const cha
 }
 
 void OpenDatabaseFile(DatabaseSession& session, const CString& path, const char* password,
-                      const std::function<void()>& prepare) {
+                      bool read_only, const std::function<void()>& prepare) {
   CRkDaoDatabase& database = session.Database();
   WithEitherCut(ViewOf(password), [&](std::string_view cut) {
-    database.Open(path, false, false, ";PWD=" + CString(cut));
+    database.Open(path, false, read_only, ";PWD=" + CString(cut));
   });
   try {
     session.InOneCommit(prepare);

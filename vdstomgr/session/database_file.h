@@ -25,8 +25,9 @@ void WithEitherCut(std::string_view password, const std::function<void(std::stri
 void CreateDatabaseFile(DatabaseSession& session, const CString& path, const char* password,
                         const std::function<void()>& fill);
 
-/// Opens a file and runs `prepare` on it in one commit; when that fails, the file is closed again.
+/// Opens a file, with `read_only` for reading alone, and runs `prepare` on it in one commit; when
+/// that fails, the file is closed again.
 void OpenDatabaseFile(DatabaseSession& session, const CString& path, const char* password,
-                      const std::function<void()>& prepare);
+                      bool read_only, const std::function<void()>& prepare);
 
 }  // namespace vdstomgr

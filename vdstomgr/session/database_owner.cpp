@@ -17,13 +17,23 @@ bool DatabaseOwner::CreateDB(const char* path, const char* password) {
 }
 
 bool DatabaseOwner::OpenDB(const char* path, const char* password) {
+  return cOpen(path, password, false);
+}
+
+bool OpenForReading(DatabaseOwner& owner, const char* path, const char* password) {
+  return owner.cOpen(path, password, true);
+}
+
+bool DatabaseOwner::cOpen(const char* path, const char* password, bool read_only) {
   if (m_bOpen) return false;
   return m_db->GuardedOutsideCommit(false, [&] {
     if (m_bOpen) return false;  // by another thread meanwhile
     m_strOpenPath = path;
     m_strOpenPassword = password;
+    m_bOpenReadOnly = read_only;
     cSetDBName(path);
-    OpenDatabaseFile(*m_db, m_strDBName, m_strOpenPassword, [&] { cPrepareOpenedFile(); });
+    OpenDatabaseFile(*m_db, m_strDBName, m_strOpenPassword, read_only,
+                     [&] { cPrepareOpenedFile(); });
     m_bOpen = true;
     return true;
   });
@@ -43,7 +53,7 @@ bool DatabaseOwner::RefreshDB() {
     const CString path = m_strOpenPath;
     const CString password = m_strOpenPassword;
     CloseDB();
-    OpenDB(path, password);
+    cOpen(path, password, m_bOpenReadOnly);
     return true;
   });
 }

@@ -10,6 +10,14 @@
 
 namespace vdstomgr {
 
+class DatabaseOwner;
+
+/// Opens a catalogue or search database for reading alone, also one in a folder or on a medium that
+/// cannot be written, and writes nothing: a catalogue's roots keep the names that they have.
+/// Reading operations are those of OpenDB; writing ones fail and report 3027. False, reported, as
+/// OpenDB; also for a search database without the indexes that the searches stand on.
+VDSTO_API bool OpenForReading(DatabaseOwner& owner, const char* path, const char* password);
+
 /// The file of an object that owns a database, and the object's clock.
 class VDSTO_API DatabaseOwner : public DatabaseOperations {
  public:
@@ -23,7 +31,7 @@ class VDSTO_API DatabaseOwner : public DatabaseOperations {
   bool OpenDB(const char* path, const char* password);
   /// True also when nothing is open.
   bool CloseDB();
-  /// Closes and opens again what was opened last. Always true.
+  /// Closes and opens again what was opened last, in the same way. Always true.
   bool RefreshDB();
   /// Deletes a database file; nothing is reported.
   void DeleteDB(const char* path);
@@ -53,9 +61,14 @@ class VDSTO_API DatabaseOwner : public DatabaseOperations {
   CString cToDBString(const char* text) const;
 
  private:
+  friend VDSTO_API bool OpenForReading(DatabaseOwner& owner, const char* path,
+                                       const char* password);
+  bool cOpen(const char* path, const char* password, bool read_only);
+
   CString m_strDBName;
   CString m_strOpenPath;
   CString m_strOpenPassword;
+  bool m_bOpenReadOnly = false;
   std::atomic<bool> m_bOpen = false;
   Clock m_clock;
 };

@@ -28,8 +28,11 @@ class Invocation {
   std::string LibraryFolder() const;
   /// The same and the password, which it asks for when the user wants to be asked.
   LibraryOptions AskForLibrary() const;
-  /// Opens the library, which must be there. Throws ToolError.
-  Library OpenLibrary() const { return Library(AskForLibrary()); }
+  /// Opens the library, which must be there, to change it. Throws ToolError, also when it is
+  /// read-only.
+  Library OpenLibrary() const { return Library(AskForLibrary(), Use::kChanging); }
+  /// The same to read it only.
+  Library OpenLibraryToRead() const { return Library(AskForLibrary(), Use::kReading); }
   /// Waits, and says so, until no import works on the library, and keeps others out as long as the
   /// lock lives. Makes the library's folder.
   ImportLock LockOutImports() const;

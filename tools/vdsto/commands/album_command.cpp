@@ -51,7 +51,7 @@ struct AlbumList {
   }
 
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     return invocation.Write(path.empty() ? ListAll(library) : ListOne(library));
   }
 
@@ -308,7 +308,7 @@ struct AlbumPathsOf {
   void Declare(Command& command) { command.Photos(photos); }
 
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     CataloguePath folders(library);
     AlbumPath paths(library);
     Table rows({"guid", "photo", "album"});

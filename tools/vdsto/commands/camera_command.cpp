@@ -41,7 +41,7 @@ std::vector<std::string> NamesIn(Library& library, const NameList& list) {
 
 struct CameraList {
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     Table table({"kind", "own", "name"});
     for (const NameList& list : kLists) {
       for (const std::string& name : NamesIn(library, list))

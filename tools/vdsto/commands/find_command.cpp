@@ -24,7 +24,7 @@ struct SearchOptions {
   /// Answers what `search` puts into the PhotoSearch.
   template <class Body>
   ExitCode Answer(Invocation& invocation, Body search) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     CataloguePath paths(library);
     PhotoSearch found(library, paths, filter, limit);
     search(found);

@@ -59,7 +59,7 @@ struct FlagShow {
   void Declare(Command& command) { command.Photos(photos); }
 
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     CataloguePath paths(library);
     Json list = Json::array();
     Table table({"flags", "name"});

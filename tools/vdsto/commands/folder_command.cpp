@@ -51,7 +51,7 @@ struct FolderShow {
   void Declare(Command& command) { command.Folders(folders); }
 
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     CataloguePath paths(library);
     Answer answer{Json::array(), {}};
     for (const uint32_t id : SelectFolders(library, folders)) {

@@ -54,7 +54,7 @@ struct List {
   }
 
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     return invocation.Write(ListFolder(library, folder));
   }
 };

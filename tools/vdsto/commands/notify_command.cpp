@@ -63,7 +63,7 @@ std::vector<Notification> Notifications(Library& library, const Subject& subject
 
 struct NotifyShow {
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     Table table({"subject", "view", "bits", "item"});
     for (const Subject& subject : kSubjects) {
       for (const Notification& mark : Notifications(library, subject))

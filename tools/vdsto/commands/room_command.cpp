@@ -40,7 +40,7 @@ void SetName(ROOMINFO& room, const std::string& name) {
 
 struct RoomList {
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     Table rows({"id", "photos", "name"});
     for (const ROOMINFO& room : AllRooms(library)) {
       CStringArray photos;

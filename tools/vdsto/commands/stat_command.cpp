@@ -101,7 +101,7 @@ Facts Describe(const Statistics& statistics, const Library& library) {
 
 struct Stat {
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     Statistics statistics;
     for (const TreeFolder& root : ReadFolderTree(library)) AddFolder(library, root, statistics);
     return invocation.Write(Describe(statistics, library));

@@ -75,7 +75,7 @@ struct Look {
   explicit Look(const Invocation& invocation) {
     const std::string path = ExistingStore(invocation);
     try {
-      Library library = invocation.OpenLibrary();
+      Library library = invocation.OpenLibraryToRead();
       census = CompareStore(library);
     } catch (const ToolError& error) {
       why_alone = error.what();

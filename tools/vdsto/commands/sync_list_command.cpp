@@ -21,9 +21,9 @@ constexpr int kFinished = 2;
 
 /// A library and its second queue.
 struct SyncQueue {
-  explicit SyncQueue(Invocation& invocation) : SyncQueue(invocation.AskForLibrary()) {}
-  explicit SyncQueue(const LibraryOptions& options)
-      : library(options), file(library, options.password) {}
+  SyncQueue(Invocation& invocation, Use use) : SyncQueue(invocation.AskForLibrary(), use) {}
+  SyncQueue(const LibraryOptions& options, Use use)
+      : library(options, use), file(library, options.password) {}
 
   std::vector<Upload> Read() { return ReadSyncUploads(file, 0, INT32_MAX); }
   std::vector<Upload> Select(const PhotoWords& photos) {
@@ -85,7 +85,7 @@ struct SyncListShow {
   void Declare(Command& command) { command.Page(first, count); }
 
   ExitCode Run(Invocation& invocation) const {
-    SyncQueue queue(invocation);
+    SyncQueue queue(invocation, Use::kReading);
     return invocation.Write(ListOf(ReadSyncUploads(queue.file, first - 1, count)));
   }
 };
@@ -120,7 +120,7 @@ struct SyncListDone {
   }
 
   ExitCode Run(Invocation& invocation) const {
-    SyncQueue queue(invocation);
+    SyncQueue queue(invocation, Use::kChanging);
     const int status = error < 0 ? error : kFinished;
     const auto uploads = queue.Select(photos);
     return CarryOut(invocation, PlanFor(uploads, error < 0 ? "noted as failed" : "noted as done"),
@@ -137,7 +137,7 @@ struct SyncListRetry {
   }
 
   ExitCode Run(Invocation& invocation) const {
-    SyncQueue queue(invocation);
+    SyncQueue queue(invocation, Use::kChanging);
     auto uploads = queue.Read();
     std::erase_if(uploads, [&](const Upload& upload) {
       return upload.status >= 0 && !(all && IsSending(upload.status));
@@ -153,7 +153,7 @@ struct SyncListClear {
   void Declare(Command& command) { command.Change(change); }
 
   ExitCode Run(Invocation& invocation) const {
-    SyncQueue queue(invocation);
+    SyncQueue queue(invocation, Use::kChanging);
     return CarryOut(invocation, PlanFor(queue.Read(), "taken out of the queue"), change, [&] {
       queue.library.Call([](auto& catalogue) { return catalogue.DelSyncUploadListAll(); });
     });
@@ -162,7 +162,7 @@ struct SyncListClear {
 
 struct SyncListStat {
   ExitCode Run(Invocation& invocation) const {
-    SyncQueue queue(invocation);
+    SyncQueue queue(invocation, Use::kReading);
     const auto uploads = queue.Read();
     const auto count = [&](auto is_meant) {
       return std::ranges::count_if(uploads, is_meant, &Upload::status);

@@ -210,7 +210,7 @@ struct TagRename {
 
 struct TagList {
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     vdstomgr::TagCountArray counts;
     vdstomgr::TagArray tags;
     library.Call([&](auto& catalogue) { return catalogue.GetTagListAndCount(counts); });
@@ -234,7 +234,7 @@ struct TagOf {
   void Declare(Command& command) { command.Photos(photos); }
 
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     CataloguePath paths(library);
     TagsOfPhotos tags(library);
     Table table({"guid", "path", "tags"});
@@ -257,7 +257,7 @@ struct TagPhotos {
   void Declare(Command& command) { command.Tag(tag); }
 
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     CataloguePath paths(library);
     Json list = Json::array();
     Table table = PhotoTable();

@@ -1,10 +1,10 @@
+#include <map>
 #include <set>
 
 #include "tools/vdsto/cli/command.h"
 #include "tools/vdsto/cli/invocation.h"
 #include "tools/vdsto/cli/photo_text.h"
 #include "tools/vdsto/commands/commands.h"
-#include "tools/vdsto/library/lock_file.h"
 #include "tools/vdsto/selection/catalogue_path.h"
 #include "tools/vdsto/selection/tags.h"
 
@@ -43,7 +43,7 @@ struct Tagged {
   }
 
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     std::vector<TAGINFO> wanted;
     for (const std::string& name : names) wanted.push_back(TagNamed(library, name));
     CataloguePath paths(library);
@@ -68,14 +68,11 @@ struct Tagged {
   std::vector<TaggedPhotos> Find(Library& library, const std::vector<TAGINFO>& wanted) const {
     CDWordArray ids;
     for (const TAGINFO& tag : wanted) ids.Add(tag.dwTagID);
-    LockFile lock(library.Folder(), "tagged.lock");
-    if (all && !lock.Try())
-      throw ToolError(ExitCode::kRefused, "another vdsto tagged --all is at work: try again");
     std::vector<TaggedPhotos> found;
     library.Call([&](auto& catalogue) {
       vdstomgr::ItemGroupArray groups;
       const int count =
-          catalogue.Lock_FilteredTagItemList(groups, ids, !all, MaskOf(flag), MaskOf(shared));
+          catalogue.Lock_FilteredTagItemList(groups, ids, true, MaskOf(flag), MaskOf(shared));
       for (const GA_ITEMINFO_GROUP& group : groups) {
         found.push_back({group.dwTagID, {}});
         for (const GA_ITEMINFO* item : *group.pItemList) found.back().guids.Add(item->GUID);
@@ -83,7 +80,25 @@ struct Tagged {
       catalogue.Free_FilteredTagItemList(groups);
       return count >= 0;
     });
-    return found;
+    return all ? WithAll(std::move(found), wanted) : found;
+  }
+
+  /// The catalogue's own way to this writes tables, which a library to be read does not let, and
+  /// which two processes would do to each other.
+  static std::vector<TaggedPhotos> WithAll(std::vector<TaggedPhotos> found,
+                                           const std::vector<TAGINFO>& wanted) {
+    std::set<DWORD> tags;
+    for (const TAGINFO& tag : wanted) tags.insert(tag.dwTagID);
+    if (found.size() < tags.size()) return {};
+    std::map<CString, size_t> counts;
+    for (const TaggedPhotos& group : found) {
+      for (const CString& guid : group.guids) ++counts[guid];
+    }
+    CStringArray common;
+    for (const CString& guid : found.front().guids) {
+      if (counts[guid] == found.size()) common.Add(guid);
+    }
+    return {{found.front().tag, common}};
   }
 
   /// Deleted photos and those in the trash are left out.

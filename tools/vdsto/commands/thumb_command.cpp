@@ -46,7 +46,7 @@ struct Thumb {
   }
 
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     const PHOTOINFO info = CataloguePath(library).Photo(photo);
     const CBinData image = ReadThumbnail(library, info);
     const std::span bytes(static_cast<const uint8_t*>(image.GetData()),

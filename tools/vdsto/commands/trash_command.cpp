@@ -42,7 +42,7 @@ struct TrashPut {
 
 struct TrashList {
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     Json photos = Json::array();
     Table rows({"deleted", "size", "name"});
     for (const auto& [photo, full_path, deleted] : PhotosInTrash(library)) {

@@ -45,7 +45,7 @@ Answer DrawTree(const std::vector<TreeFolder>& roots) {
 
 struct Tree {
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     return invocation.Write(DrawTree(ReadFolderTree(library)));
   }
 };

@@ -34,7 +34,7 @@ struct UploadList {
   void Declare(Command& command) { command.Page(first, count); }
 
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     const auto uploads = ReadUploads(library, first - 1, count);
     Answer answer = ListOf(uploads);
     if (invocation.WantsJson()) {
@@ -164,7 +164,7 @@ struct UploadRemove {
 
 struct UploadStat {
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     uint64_t total = 0, done = 0, failed = 0;
     int count = 0, done_count = 0, failed_count = 0, waiting = 0, retriable = 0;
     library.Call([&](auto& catalogue) {

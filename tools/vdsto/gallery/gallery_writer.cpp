@@ -1,7 +1,11 @@
 #include "tools/vdsto/gallery/gallery_writer.h"
 
+#include <unistd.h>
+
 #include <array>
+#include <functional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -32,17 +36,40 @@ void WriteTurned(std::span<const uint8_t> image, int quarters, const std::string
   output.Write(name, TextOf(turned.thumbnail.empty() ? image : turned.thumbnail));
 }
 
+/// A library's images, also of a store that cannot be claimed because it cannot be written.
+class ThumbnailSource {
+ public:
+  explicit ThumbnailSource(const std::string& library_folder)
+      : folder_(library_folder),
+        store_(library_folder),
+        can_claim_(access(ImageStorePath(library_folder).c_str(), W_OK) == 0),
+        is_open_(can_claim_ && store_.Open()) {}
+
+  bool Lend(const std::string& key, const std::function<void(std::span<const uint8_t>)>& use) {
+    if (can_claim_) return is_open_ && store_.Lend(key, use);
+    CBinData image;
+    if (!ReadImage(folder_, key, image)) return false;
+    use({image.GetData(), image.GetLength()});
+    return true;
+  }
+
+ private:
+  std::string folder_;
+  ImageStore store_;
+  bool can_claim_;
+  bool is_open_;
+};
+
 /// Forgets the keys of thumbnails that are not there.
 size_t WriteThumbnails(Gallery& gallery, const std::string& library_folder, GalleryOutput& output) {
-  ImageStore store(library_folder);
-  const bool is_open = store.Open();
+  ThumbnailSource store(library_folder);
   size_t written = 0;
   for (size_t i = 0; i < gallery.photos.size(); ++i) {
     GalleryPhoto& photo = gallery.photos[i];
     const auto write = [&](std::span<const uint8_t> image) {
       WriteTurned(image, photo.item.Rotate, ThumbnailPath(i), output);
     };
-    if (is_open && !photo.image_key.empty() && store.Lend(photo.image_key, write))
+    if (!photo.image_key.empty() && store.Lend(photo.image_key, write))
       ++written;
     else
       photo.image_key.clear();

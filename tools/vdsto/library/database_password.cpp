@@ -6,6 +6,7 @@ namespace vdsto {
 namespace {
 
 constexpr int kWrongPassword = 3031;
+constexpr int kNotAccessible = 3051;
 constexpr size_t kPasswordPlaces = 20;
 
 size_t KoreanPlaces(char32_t character) {
@@ -26,8 +27,15 @@ std::string Cut(const std::string& password, size_t (*places_of)(char32_t)) {
   return FirstCharacters(password, characters);
 }
 
-void OpenWith(CDaoDatabase& database, const std::string& path, const std::string& password) {
-  database.Open(path.c_str(), false, true, (";PWD=" + password).c_str());
+void OpenWith(CDaoDatabase& database, const std::string& path, const std::string& password,
+              bool to_write) {
+  const std::string connect = ";PWD=" + password;
+  try {
+    database.Open(path.c_str(), false, !to_write, connect.c_str());
+  } catch (const CDaoException& error) {
+    if (!to_write || error.Code() != kNotAccessible) throw;
+    database.Open(path.c_str(), false, true, connect.c_str());
+  }
 }
 
 }  // namespace
@@ -36,13 +44,13 @@ std::string CountingPassword(const std::string& password) {
   return Cut(password, &KoreanPlaces);
 }
 
-void OpenUnderPassword(CDaoDatabase& database, const std::string& path,
-                       const std::string& password) {
+void OpenUnderPassword(CDaoDatabase& database, const std::string& path, const std::string& password,
+                       bool to_write) {
   try {
-    OpenWith(database, path, CountingPassword(password));
+    OpenWith(database, path, CountingPassword(password), to_write);
   } catch (const CDaoException& error) {
     if (error.Code() != kWrongPassword) throw;
-    OpenWith(database, path, Cut(password, &Bytes));  // of a file made when bytes counted
+    OpenWith(database, path, Cut(password, &Bytes), to_write);  // of a file made when bytes counted
   }
 }
 

@@ -199,7 +199,7 @@ bool FactsDatabase::IsReadable() {
 
 /// A file of another version, or one that a killed import has only begun, is closed again.
 void FactsDatabase::Open() {
-  OpenUnderPassword(database_, path_, password_);
+  OpenUnderPassword(database_, path_, password_, true);
   int64_t version = 0;
   try {
     CDaoRecordset rows(&database_);

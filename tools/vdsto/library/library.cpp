@@ -21,6 +21,8 @@ constexpr const char* kSearchName = "search.vdb";
 constexpr const char* kFactsName = "facts.vdb";
 constexpr const char* kUnfinishedName = "catalogue.vdb.new";
 constexpr int kWrongPassword = 3031;
+/// The file or its folder cannot be written, or not be opened at all.
+constexpr std::array kRefusals{3027, 3051};
 /// The file is damaged, or what is there is no database.
 constexpr std::array kDamage{3049, 3343};
 /// Null keys and fields, too long texts, too large numbers, texts that are no numbers.
@@ -53,6 +55,11 @@ void Report(int code, std::string message) {
                   error.message + advice, concerns_value);
 }
 
+bool WasRefused() {
+  return reported &&
+         std::find(kRefusals.begin(), kRefusals.end(), reported->code) != kRefusals.end();
+}
+
 void CreateCatalogue(const std::string& folder, const std::string& password) {
   const std::string unfinished = Joined(folder, kUnfinishedName);
   CRkPhotoDBManager creator;
@@ -77,6 +84,12 @@ bool Exists(const std::string& path) {
 
 }  // namespace
 
+std::string ReadOnlyText(const std::string& folder) {
+  return folder +
+         " is read-only: to change it, copy the whole folder to where you can write and name the "
+         "copy with --library, or get the right to write there";
+}
+
 std::string DefaultLibraryFolder() {
   const std::string folder = EnvironmentVariable("VDSTO_LIBRARY");
   const std::string data = EnvironmentVariable("XDG_DATA_HOME");
@@ -87,7 +100,7 @@ std::string DefaultLibraryFolder() {
   throw ToolError(ExitCode::kUsage, "no library folder: give --library or set VDSTO_LIBRARY");
 }
 
-Library::Library(const LibraryOptions& options)
+Library::Library(const LibraryOptions& options, Use use)
     : folder_(options.folder),
       path_(Joined(options.folder, kCatalogueName)),
       search_(catalogue_, Joined(options.folder, kSearchName), options.password),
@@ -98,7 +111,7 @@ Library::Library(const LibraryOptions& options)
                     "no catalogue in " + options.folder +
                         " yet: run vdsto import first, or name its folder with --library");
   }
-  Open(options.password);
+  Open(options.password, use);
 }
 
 Library::Library(const LibraryOptions& options, const ImportLock&)
@@ -108,22 +121,33 @@ Library::Library(const LibraryOptions& options, const ImportLock&)
       facts_(Joined(options.folder, kFactsName), options.password),
       password_(options.password) {
   if (!Exists(path_)) CreateCatalogue(options.folder, options.password);
-  Open(options.password);
+  Open(options.password, Use::kChanging);
 }
 
 Library::~Library() {
   catalogue_.CloseDB();
 }
 
-void Library::Open(const std::string& password) {
+void Library::Open(const std::string& password, Use use) {
   reported.reset();
   if (!catalogue_.OpenDB(path_.c_str(), password.c_str())) {
-    ThrowReported(ExitCode::kCannotOpen, path_ + " cannot be opened");
+    if (!WasRefused()) ThrowReported(ExitCode::kCannotOpen, path_ + " cannot be opened");
+    reported.reset();
+    is_read_only_ = vdstomgr::OpenForReading(catalogue_, path_.c_str(), password.c_str());
+    if (!is_read_only_) ThrowReported(ExitCode::kCannotOpen, path_ + " cannot be opened");
   }
+  if (is_read_only_ && use == Use::kChanging)
+    throw ToolError(ExitCode::kCannotOpen, ReadOnlyText(folder_));
+  if (is_read_only_) search_.OnlyRead();
   const bool is_current = catalogue_.CheckPhotoMasterDBVersion();
   if (reported) ThrowReported(ExitCode::kCannotOpen, {});
   if (!is_current)
     throw ToolError(ExitCode::kCannotOpen, path_ + " is no catalogue of this version");
+}
+
+void Library::PrepareSearch() {
+  if (is_read_only_) search_.StepAside();
+  CallSearch([](auto& copy) { copy.Prepare(); });
 }
 
 vdstomgr::PhotoArray Library::PhotosIn(uint32_t folder) {

@@ -21,6 +21,12 @@ struct LibraryOptions {
   std::string password;  ///< empty: the catalogue has none
 };
 
+/// What a command means to do with its library.
+enum class Use { kReading, kChanging };
+
+/// What to say of a library in `folder` that is to be changed and cannot be.
+std::string ReadOnlyText(const std::string& folder);
+
 /// $VDSTO_LIBRARY, else a folder under the user's data directory. Throws ToolError when there is no
 /// home either.
 std::string DefaultLibraryFolder();
@@ -28,9 +34,10 @@ std::string DefaultLibraryFolder();
 /// An open catalogue. Reports of the database reach the caller as ToolError, one per failed call.
 class Library {
  public:
-  /// Opens the catalogue of a library folder. Throws ToolError: a missing one, a wrong password, a
-  /// damaged file.
-  explicit Library(const LibraryOptions& options);
+  /// Opens the catalogue of a library folder, one that cannot be written for reading alone. Throws
+  /// ToolError: a missing one, a wrong password, a damaged file, one to be changed that is
+  /// read-only.
+  explicit Library(const LibraryOptions& options, Use use = Use::kReading);
   /// The same, but makes folder and catalogue when they are not there. A catalogue appears whole or
   /// not at all.
   Library(const LibraryOptions& options, const ImportLock& lock);
@@ -57,6 +64,9 @@ class Library {
     });
   }
 
+  /// Sees to it that the search database is current, of a library to be read in a copy elsewhere.
+  void PrepareSearch();
+
   /// The photos of a folder by name, its sub-folders by name, and all folders.
   vdstomgr::PhotoArray PhotosIn(uint32_t folder);
   vdstomgr::FolderArray FoldersIn(uint32_t folder);
@@ -76,7 +86,7 @@ class Library {
   const std::string& Folder() const { return folder_; }
 
  private:
-  void Open(const std::string& password);
+  void Open(const std::string& password, Use use);
   static void ForgetError();
   static void ThrowError();
 
@@ -87,6 +97,7 @@ class Library {
   FactsDatabase facts_;
   std::string password_;
   std::unique_ptr<PhotoTexts> texts_;
+  bool is_read_only_ = false;
 };
 
 /// Sets the library up for this process: text as UTF-8, errors to whoever called. Before the first

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "tools/vdsto/library/library.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/tool_error.h"
 
@@ -26,6 +27,8 @@ LockFile::LockFile(const std::string& library_folder, const std::string& name)
   std::filesystem::create_directories(library_folder, error);
   if (error) throw ToolError(ExitCode::kCannotOpen, library_folder + ": " + error.message());
   descriptor_ = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  if (descriptor_ < 0 && (errno == EACCES || errno == EROFS))
+    throw ToolError(ExitCode::kCannotOpen, ReadOnlyText(library_folder));
   if (descriptor_ < 0) ThrowErrno(path_, errno);
 }
 

@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "tools/vdsto/text/source_location.h"
+
 namespace vdsto {
 
 namespace {
@@ -18,11 +20,17 @@ SearchCopy::SearchCopy(CRkPhotoDBManager& catalogue, std::string path, std::stri
   database_.SetDAOCriticalSection(catalogue.GetDAOCriticalSection());
 }
 
+/// Before its folder goes.
+SearchCopy::~SearchCopy() {
+  if (is_open_) database_.CloseDB();
+}
+
 /// An empty file is what a killed program leaves of a new one.
 bool SearchCopy::Open() {
   std::error_code error;
   if (!is_open_ && std::filesystem::file_size(path_, error) > 0 && !error)
-    is_open_ = database_.OpenDB(path_.c_str(), password_.c_str());
+    is_open_ = is_read_only_ ? vdstomgr::OpenForReading(database_, path_.c_str(), password_.c_str())
+                             : database_.OpenDB(path_.c_str(), password_.c_str());
   return is_open_;
 }
 
@@ -34,6 +42,13 @@ bool SearchCopy::IsCurrent() {
 
 bool SearchCopy::Prepare() {
   return (Open() && IsCurrent()) || Make();
+}
+
+void SearchCopy::StepAside() {
+  if (Open() && IsCurrent()) return;
+  if (is_open_) database_.CloseDB();
+  is_open_ = false;
+  path_ = Joined(temporary_.emplace().Path(), "search.vdb");
 }
 
 bool SearchCopy::Make() {

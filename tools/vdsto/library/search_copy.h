@@ -1,6 +1,8 @@
 #pragma once
+#include <optional>
 #include <string>
 
+#include "tools/vdsto/library/temporary_folder.h"
 #include "vdstomgr/vdstomgr.h"
 
 namespace vdsto {
@@ -12,6 +14,13 @@ class SearchCopy {
  public:
   /// Both texts are those of the catalogue, which must live longer and be open.
   SearchCopy(CRkPhotoDBManager& catalogue, std::string path, std::string password);
+  ~SearchCopy();
+
+  /// From now on nothing is written beside the catalogue.
+  void OnlyRead() { is_read_only_ = true; }
+  /// Leaves a copy alone that is not current or cannot be read: the next one is made in a folder
+  /// for temporary files, where it stays until the end. What is reported meanwhile does not matter.
+  void StepAside();
 
   /// The database, current. False when it could not be made.
   bool Prepare();
@@ -37,6 +46,8 @@ class SearchCopy {
   std::string password_;
   CRkSearchDBManager database_;
   bool is_open_ = false;
+  bool is_read_only_ = false;
+  std::optional<TemporaryFolder> temporary_;
 };
 
 }  // namespace vdsto

@@ -27,7 +27,7 @@ PhotoSearch::PhotoSearch(Library& library, CataloguePath& paths, const FilterWor
       limit_(limit),
       filter_(filter, library, paths),
       filters_photos_only_(!CanBeSaidOfFolders(filter)) {
-  library_.CallSearch([](auto& copy) { copy.Prepare(); });
+  library_.PrepareSearch();
 }
 
 void PhotoSearch::AddPhotosNamed(const std::vector<std::string>& words) {

@@ -9,6 +9,7 @@
 using vdstomgr::AppendUtf8;
 using vdstomgr::ToUtf8;
 using vdstomgr::ViewOf;
+using vdstomgr::dao::Access;
 using vdstomgr::dao::Error;
 using vdstomgr::dao::RunMode;
 using vdstomgr::dao::Throw;
@@ -31,14 +32,17 @@ CDaoDatabase::~CDaoDatabase() = default;
 void CDaoDatabase::Create(const char* name, const char*, int) {
   if (IsOpen()) Throw(Error::InvalidOperation);
   m_pConnection = vdstomgr::dao::CreateDatabase(ToUtf8(ViewOf(name)));
+  m_bReadOnly = false;
   m_strName = name;
   m_strPassword.Empty();
 }
 
-void CDaoDatabase::Open(const char* name, bool, bool, const char* connect) {
+void CDaoDatabase::Open(const char* name, bool, bool read_only, const char* connect) {
   if (IsOpen()) Throw(Error::InvalidOperation);
   const std::string_view password = PasswordOf(ViewOf(connect));
-  m_pConnection = vdstomgr::dao::OpenDatabase(ToUtf8(ViewOf(name)), ToUtf8(password));
+  m_pConnection = vdstomgr::dao::OpenDatabase(ToUtf8(ViewOf(name)), ToUtf8(password),
+                                              read_only ? Access::Read : Access::Write);
+  m_bReadOnly = read_only;
   m_strName = name;
   m_strPassword = CString(password);
 }
@@ -59,6 +63,7 @@ void CDaoDatabase::Execute(const char* sql, int options) {
 
 void CDaoDatabase::NewPassword(const char* old_password, const char* new_password) {
   if (m_strPassword != old_password) Throw(Error::InvalidPassword);
+  if (IsOpen() && m_bReadOnly) Throw(Error::ReadOnly);
   Connection().SetPassword(ToUtf8(ViewOf(new_password)));
   m_strPassword = new_password;
 }

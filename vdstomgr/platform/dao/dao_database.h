@@ -29,7 +29,9 @@ class VDSTO_API CDaoDatabase {
   /// order and one format. Throws 3204 when the file exists, 3044 when `name` is no file's name.
   virtual void Create(const char* name, const char* locale = "", int options = 0);
 
-  /// Opens a file for reading and writing. `connect` may hold ";PWD=password".
+  /// Opens a file for reading and writing, or with `read_only` for reading alone: writing throws
+  /// 3027 then, and the file may be where nothing can be written. `connect` may hold
+  /// ";PWD=password".
   virtual void Open(const char* name, bool exclusive = false, bool read_only = false,
                     const char* connect = "");
 
@@ -48,6 +50,8 @@ class VDSTO_API CDaoDatabase {
   /// Rows changed by the last Execute; 0 after a failed one.
   int GetRecordsAffected() const { return m_nRecordsAffected; }
   bool IsOpen() const { return m_pConnection != nullptr; }
+  /// Was the open file opened for reading alone?
+  bool IsReadOnly() const { return m_bReadOnly; }
   const CString& GetName() const { return m_strName; }
 
   /// Writes between BeginGroup and EndGroup are committed together; see dao::Connection.
@@ -62,6 +66,7 @@ class VDSTO_API CDaoDatabase {
   std::unique_ptr<vdstomgr::dao::Connection> m_pConnection;
   CString m_strName;
   CString m_strPassword;
+  bool m_bReadOnly = false;
   std::string m_statement;  // the statement in UTF-8; kept for its memory
   int m_nRecordsAffected = 0;
 };

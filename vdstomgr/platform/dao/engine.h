@@ -109,10 +109,19 @@ class Connection {
                       const CopyProgress& progress) = 0;
 };
 
-/// Opens an existing database file for reading and writing. Throws FileNotFound, InvalidPassword,
-/// NotADatabase, FileDamaged, FileNotAccessible, DiskFull, and InvalidPath for what is no file
-/// name.
-std::unique_ptr<Connection> OpenDatabase(const std::string& path, std::string_view password);
+enum class Access {
+  Write,  ///< reading and writing
+  Read    ///< every write throws ReadOnly; works where the file or its folder cannot be written
+};
+
+/// Opens an existing database file. Throws FileNotFound, InvalidPassword, NotADatabase,
+/// FileDamaged, FileNotAccessible, DiskFull, and InvalidPath for what is no file name.
+///
+/// Access::Read where nothing can be written makes, changes and locks nothing that others would
+/// have to write: what the file's write-ahead log holds is read with it. A file that somebody who
+/// may write it begins to use only then may give FileDamaged.
+std::unique_ptr<Connection> OpenDatabase(const std::string& path, std::string_view password,
+                                         Access access = Access::Write);
 
 /// Makes a new, empty database file without a password. Throws DatabaseExists, InvalidPath,
 /// FileNotAccessible, DiskFull...; no file is left then.

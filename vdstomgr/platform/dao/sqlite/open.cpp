@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <cctype>
 #include <cstdint>
 #include <string>
 
@@ -24,6 +25,22 @@ constexpr int kBusyTimeoutMs = 15'000;
 constexpr size_t kHeaderSize = 100;
 
 enum class FileForm { Plain, Encrypted };
+
+enum class Manner {
+  Writing,
+  Abstaining,  // could write, and does not
+  Sharing,     // beside writers, with the memory that they share
+  Alone,       // nobody else has the file open: its log is read into memory of our own
+  Settled      // there is no log: the file is all there is
+};
+
+bool IsReading(Manner manner) {
+  return manner != Manner::Writing;
+}
+
+bool CanWrite(Manner manner) {
+  return manner == Manner::Writing || manner == Manner::Abstaining;
+}
 
 // The engine's own handle of the open file. Nothing else may open and close a file that could be
 // open in this process: that would drop the engine's locks on it.
@@ -79,14 +96,66 @@ void Run(sqlite3* db, const char* sql, const std::string& path) {
   Check(db, sqlite3_exec(db, sql, nullptr, nullptr, nullptr), path);
 }
 
-DatabaseHandle OpenHandle(const std::string& path) {
+DatabaseHandle OpenHandle(const std::string& name, int flags, const char* file_layer,
+                          const std::string& path) {
   sqlite3* raw = nullptr;
-  constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
-  const int code = sqlite3_open_v2(os::LongPath(path).c_str(), &raw, kFlags, nullptr);
+  const int all_flags = flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+  const int code = sqlite3_open_v2(name.c_str(), &raw, all_flags, file_layer);
   DatabaseHandle db(raw);
   if (code != SQLITE_OK) ThrowEngineError(db.get(), code, path);
+  return db;
+}
+
+DatabaseHandle OpenToWrite(const std::string& path) {
+  DatabaseHandle db = OpenHandle(os::LongPath(path), SQLITE_OPEN_READWRITE, nullptr, path);
   if (sqlite3_db_readonly(db.get(), "main") == 1) Throw(Error::FileNotAccessible, path);
   return db;
+}
+
+std::string AddressOf(const std::string& path) {
+  std::string address = path.starts_with('/') ? "file://" : "file:";
+  for (const unsigned char byte : path) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    if (std::isalnum(byte) || byte == '/' || byte == '.') {
+      address += static_cast<char>(byte);
+    } else {
+      (address += '%') += kDigits[byte >> 4];
+      address += kDigits[byte & 15];
+    }
+  }
+  return address + "?immutable=1";
+}
+
+// The engine's own layers of files each have a twin that takes no locks.
+std::string LayerWithoutLocks() {
+  return std::string(sqlite3_vfs_find(nullptr)->zName) + "-none";
+}
+
+DatabaseHandle OpenIn(Manner manner, const std::string& path) {
+  const std::string name = os::LongPath(path);
+  constexpr int kRead = SQLITE_OPEN_READONLY;
+  switch (manner) {
+    case Manner::Sharing:
+      return OpenHandle(name, kRead, nullptr, path);
+    case Manner::Alone:
+      return OpenHandle(name, kRead, LayerWithoutLocks().c_str(), path);
+    case Manner::Settled:
+      return OpenHandle(AddressOf(name), kRead | SQLITE_OPEN_URI, nullptr, path);
+    case Manner::Writing:
+    case Manner::Abstaining:
+      break;
+  }
+  return OpenToWrite(path);
+}
+
+// How a file is read that cannot be written, so that nothing is made beside it: what the engine
+// makes there for a reader would be in the way of a later writer.
+Manner MannerOfReading(const std::string& path) {
+  const DatabaseHandle db = OpenIn(Manner::Sharing, path);
+  const std::string file = sqlite3_db_filename(db.get(), "main");  // where links lead
+  if (!IsGone(file + "-journal")) return Manner::Sharing;  // half a change: the engine refuses
+  if (IsGone(file + "-wal")) return Manner::Settled;
+  return IsGone(file + "-shm") ? Manner::Alone : Manner::Sharing;
 }
 
 // Settings of the connection; none of them touches the file.
@@ -99,11 +168,13 @@ void Configure(sqlite3* db) {
 }
 
 // Everything that touches the file for the first time, so that its faults show now.
-void ProveReadable(sqlite3* db, FileForm form, const std::string& path) {
+void ProveReadable(sqlite3* db, FileForm form, Manner manner, const std::string& path) {
   try {
+    // First of all: what looks into the file asks for shared memory, which that layer has not got.
+    if (manner == Manner::Alone) Run(db, "PRAGMA locking_mode = EXCLUSIVE", path);
     Run(db, "PRAGMA cache_size = -65536", path);
     ReadInteger(db, "SELECT count(*) FROM sqlite_schema", path);
-    Run(db, "PRAGMA journal_mode = WAL", path);
+    Run(db, IsReading(manner) ? "PRAGMA query_only = 1" : "PRAGMA journal_mode = WAL", path);
     InstallGramTokenizer(db);  // reads the schema, too
   } catch (const CDaoException& error) {
     const auto code = static_cast<Error>(error.Code());
@@ -116,13 +187,15 @@ void ProveReadable(sqlite3* db, FileForm form, const std::string& path) {
 
 // A file that lost its tail still opens; only the pages it lacks would fail, one day. Pages that
 // are in the write-ahead log only are not missing.
-void RequireWholeFile(sqlite3* db, const std::string& path) {
+void RequireWholeFile(sqlite3* db, Manner manner, const std::string& path) {
   const auto is_short = [&] {
     const auto pages = static_cast<std::uint64_t>(ReadInteger(db, "PRAGMA page_count", path));
     const auto page_size = static_cast<std::uint64_t>(ReadInteger(db, "PRAGMA page_size", path));
     return SizeOf(db, path) < pages * page_size;
   };
   if (!is_short()) return;
+  if (manner == Manner::Settled) Throw(Error::FileDamaged, path);
+  if (!CanWrite(manner)) return;  // only a writer can tell what the log holds of it
   int in_log = 0;
   int moved = 0;
   const int code =
@@ -135,12 +208,24 @@ void SetKey(sqlite3* db, std::string_view password, const std::string& path) {
   Check(db, sqlite3_key(db, password.data(), static_cast<int>(password.size())), path);
 }
 
+std::unique_ptr<dao::Connection> Open(const std::string& path, std::string_view password,
+                                      Manner manner) {
+  DatabaseHandle db = OpenIn(manner, path);
+  const FileForm form = RecogniseFile(db.get(), path);
+  if ((form == FileForm::Encrypted) != !password.empty()) Throw(Error::InvalidPassword);
+  SetKey(db.get(), password, path);
+  Configure(db.get());
+  ProveReadable(db.get(), form, manner, path);
+  RequireWholeFile(db.get(), manner, path);
+  return std::make_unique<sqlite::Connection>(std::move(db), path);
+}
+
 }  // namespace
 
 DatabaseHandle OpenCopy(const std::string& path, std::string_view password) {
   MakeFile(path);
   try {
-    DatabaseHandle db = OpenHandle(path);
+    DatabaseHandle db = OpenToWrite(path);
     SetKey(db.get(), password, path);
     Configure(db.get());
     InstallGramTokenizer(db.get());
@@ -159,24 +244,24 @@ namespace vdstomgr::dao {
 
 using namespace vdstomgr::sqlite;
 
-std::unique_ptr<Connection> OpenDatabase(const std::string& path, std::string_view password) {
+std::unique_ptr<Connection> OpenDatabase(const std::string& path, std::string_view password,
+                                         Access access) {
   RequireFile(path);
-  DatabaseHandle db = OpenHandle(path);
-  const FileForm form = RecogniseFile(db.get(), path);
-  if ((form == FileForm::Encrypted) != !password.empty()) Throw(Error::InvalidPassword);
-  SetKey(db.get(), password, path);
-  Configure(db.get());
-  ProveReadable(db.get(), form, path);
-  RequireWholeFile(db.get(), path);
-  return std::make_unique<sqlite::Connection>(std::move(db), path);
+  if (access == Access::Write) return sqlite::Open(path, password, Manner::Writing);
+  try {
+    return sqlite::Open(path, password, Manner::Abstaining);
+  } catch (const CDaoException& error) {
+    if (static_cast<Error>(error.Code()) != Error::FileNotAccessible) throw;
+  }
+  return sqlite::Open(path, password, MannerOfReading(path));
 }
 
 std::unique_ptr<Connection> CreateDatabase(const std::string& path) {
   MakeFile(path);
   try {
-    DatabaseHandle db = OpenHandle(path);
+    DatabaseHandle db = OpenToWrite(path);
     Configure(db.get());
-    ProveReadable(db.get(), FileForm::Plain, path);
+    ProveReadable(db.get(), FileForm::Plain, Manner::Writing, path);
     return std::make_unique<sqlite::Connection>(std::move(db), path);
   } catch (...) {
     RemoveFiles(path);
@@ -191,7 +276,7 @@ bool DeleteDatabase(const std::string& path) {
     RequireFile(path);
     // Held until the names are gone, so that nobody opens the file while it is deleted; where the
     // system refuses to delete a file that somebody has open, it sees to that itself.
-    DatabaseHandle db = OpenHandle(path);
+    DatabaseHandle db = OpenToWrite(path);
     if (!LockAlone(db.get(), path)) return false;
     if (!os::kDeletesOpenFiles) db.reset();
     return RemoveFiles(path);
