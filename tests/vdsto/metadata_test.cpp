@@ -248,8 +248,10 @@ TEST_F(MetadataTest, ProblemsAreKeptAndCountedAndTold) {
   EXPECT_EQ(import.Json()["unreadable"][0]["path"], Pictures("good.xmp"));
   std::string told;
   for (const json& problem : Vdsto({"problems"}).Json())
-    told += problem["name"].get<std::string>() + " " + problem["state"].get<std::string>() + ", ";
-  EXPECT_EQ(told, "pictures/bad.jpg broken, pictures/cut.png damaged, pictures/huge.png broken, ");
+    told += problem["name"].dump() + " " + problem["state"].get<std::string>() + ", ";
+  EXPECT_EQ(told,
+            R"("pictures/bad.jpg" broken, "pictures/cut.png" damaged, "pictures/huge.png" broken, )"
+            "null unreadable, ");
   EXPECT_EQ(Vdsto({"problems", "-0"}).out,
             std::string("pictures/bad.jpg\0pictures/cut.png\0pictures/huge.png\0", 52));
   EXPECT_EQ(Info("cut.png")["picture"]["width"], 300);

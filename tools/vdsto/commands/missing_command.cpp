@@ -1,5 +1,6 @@
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <map>
 
 #include "tools/vdsto/cli/changes.h"
@@ -33,6 +34,9 @@ std::vector<MissingPhoto> MissingPhotos(Library& library) {
     const auto photo = library.Photo(facts.guid);
     if (photo && !IsTrashFolder(photo->dwFolderID)) missing.push_back({*photo, std::move(facts)});
   }
+  std::sort(missing.begin(), missing.end(), [](const MissingPhoto& a, const MissingPhoto& b) {
+    return a.facts.path < b.facts.path;
+  });
   return missing;
 }
 
@@ -45,7 +49,7 @@ struct Missing {
   }
 
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     CataloguePath paths(library);
     Json photos = Json::array();
     Table rows({"gone", "size", "name"});

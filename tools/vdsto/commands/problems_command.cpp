@@ -44,7 +44,7 @@ struct Problems {
   }
 
   ExitCode Run(Invocation& invocation) const {
-    Library library = invocation.OpenLibrary();
+    Library library = invocation.OpenLibraryToRead();
     const std::vector<Problem> problems = ReadProblems(library);
     if (ends_with_zero) return WritePaths(invocation, problems);
     Json list = Json::array();
