@@ -10,11 +10,11 @@
 namespace vdstomgr {
 
 /// For the few message boxes with an OK button. An empty handler restores the default: a line on
-/// standard error.
+/// standard error, on Windows a message box.
 VDSTO_API void SetMessageBoxHandler(std::function<void(const char* text)> handler);
 
 /// For database errors an operation shows its user. An empty handler restores the default: a line
-/// on standard error.
+/// on standard error, on Windows a message box.
 VDSTO_API void SetDatabaseErrorHandler(std::function<void(int code, const char* message)> handler);
 
 /// For diagnostics. An empty handler restores the default: nowhere, at no cost.
