@@ -49,6 +49,8 @@ TEST_F(GalleryTest, HoldsThumbnailsAsTheyLieInTheStoreAndTextsThatAreNoMarkup) {
   EXPECT_THAT(data, HasSubstr(R"("\u003c/script>\u2028\u003cb>'\"&")"));
   EXPECT_THAT(data + ReadFile(Place("/data/index.js")), Not(HasSubstr("<")));
   EXPECT_THAT(ReadFile(Place("/index.html")), HasSubstr("<h1>{{title}}&lt;&quot;&amp;&#39;</h1>"));
+  EXPECT_EQ(Gallery({"--find", "B", "--force"}).Json()["photos"], 2);
+  ExpectRefused({"--force"}, 2, "--find TEXT or --tag TAG");
 }
 
 TEST_F(GalleryTest, TakesTheFolderOnlyWhenNothingElseIsInIt) {
@@ -56,6 +58,8 @@ TEST_F(GalleryTest, TakesTheFolderOnlyWhenNothingElseIsInIt) {
   ASSERT_EQ(Vdsto({"tag", "add", "바다", "a.jpg"}).code, 0);
   ASSERT_EQ(Vdsto({"tag", "add", "섬", "pictures"}).code, 0);
   ExpectRefused({"pictures", "-t", "바다", "-t", "none"}, 6, "none");
+  EXPECT_EQ(Gallery({"-t", "바다"}).Json()["photos"], 1);
+  fs::remove_all(Place());
   EXPECT_FALSE(fs::exists(Place()));
   WriteFile(Place("/.vdsto-gallery.new/data/1.js"), "of a run that was killed");
   EXPECT_EQ(Gallery({"pictures", "-t", "바다", "-t", "섬"}).Json()["photos"], 1);

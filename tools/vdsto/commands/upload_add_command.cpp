@@ -1,5 +1,3 @@
-#include <set>
-
 #include "tools/vdsto/cli/changes.h"
 #include "tools/vdsto/cli/command.h"
 #include "tools/vdsto/cli/invocation.h"
@@ -7,7 +5,7 @@
 #include "tools/vdsto/library/upload_gifts.h"
 #include "tools/vdsto/library/upload_queue.h"
 #include "tools/vdsto/selection/album_path.h"
-#include "tools/vdsto/selection/photo_search.h"
+#include "tools/vdsto/selection/photo_query.h"
 #include "tools/vdsto/selection/tags.h"
 #include "tools/vdsto/text/text.h"
 
@@ -15,18 +13,16 @@ namespace vdsto {
 namespace {
 
 struct UploadAdd {
-  PhotoWords photos;
-  std::vector<std::string> texts;
-  FilterWords filter;
+  PhotoQuery query;
   std::vector<std::string> tags;
   std::vector<std::string> albums;
   ChangeOptions change;
 
   void Declare(Command& command) {
-    command.Photos(photos, false)
-        .Option("--find", "TEXT", texts,
+    command.Photos(query.photos, false)
+        .Option("--find", "TEXT", query.texts,
                 "Photos that vdsto find TEXT finds; of several texts all must be in the name")
-        .Filter(filter)
+        .Filter(query.filter)
         .Option("--tag", "TAG", tags,
                 "A tag, also a new one, that the photos get when they are uploaded")
         .Option("--album", "ALBUM", albums, "An album that they get into then")
@@ -35,7 +31,7 @@ struct UploadAdd {
   }
 
   ExitCode Run(Invocation& invocation) const {
-    RequireSense();
+    if (query.IsEmpty()) throw ToolError(ExitCode::kUsage, "name photos, or say --find TEXT");
     Library library = invocation.OpenLibrary();
     CataloguePath paths(library);
     UploadGifts gifts = KnownGifts(library);
@@ -50,7 +46,7 @@ struct UploadAdd {
         for (const CString& guid : guids) AddGifts(library, guid.Str(), gifts);
       QueueUploads(library, added, [&](uint32_t folder) { return paths.NameOf(folder); });
     };
-    return ChangePhotos(invocation, library, Select(library, paths), change,
+    return ChangePhotos(invocation, library, SelectPhotos(library, query), change,
                         {.participle = "queued",
                          .is_done =
                              [&](const PHOTOINFO& photo) {
@@ -62,31 +58,6 @@ struct UploadAdd {
   }
 
  private:
-  void RequireSense() const {
-    if (photos.words.empty() && texts.empty())
-      throw ToolError(ExitCode::kUsage, "name photos, or say --find TEXT");
-    if (texts.empty() && !filter.IsEmpty())
-      throw ToolError(ExitCode::kUsage,
-                      "--since, --until, --camera, --rating and --folder narrow --find, which is "
-                      "not there");
-  }
-
-  /// The photos that are named, and then those that are found.
-  CStringArray Select(Library& library, CataloguePath& paths) const {
-    CStringArray guids;
-    if (!photos.words.empty()) guids = SelectPhotos(library, photos);
-    if (texts.empty()) return guids;
-    PhotoSearch search(library, paths, filter, PhotoSearch::kMost);
-    search.AddPhotosNamed(texts);
-    if (search.Photos().IsEmpty())
-      throw ToolError(ExitCode::kNotFound, "vdsto find finds no such photo: nothing was queued");
-    std::set<std::string> known;
-    for (const CString& guid : guids) known.insert(guid.Str());
-    for (const PHOTOINFO& photo : search.Photos())
-      if (known.insert(photo.szGUID).second) guids.Add(photo.szGUID);
-    return guids;
-  }
-
   UploadGifts KnownGifts(Library& library) const {
     UploadGifts gifts;
     for (const std::string& name : tags)
