@@ -52,7 +52,7 @@ class Repair : OnRamDisk, public Records {
     data_ = Read(path_).substr(0, 284 + 14 * 178 + 400);
     index_bytes_ = Read(index_).substr(0, 32 + 12 * 62 + 100);
     ends_ = {};
-    std::uint64_t at = 284;
+    std::size_t at = 284;
     while (at + 6 < data_.size() && data_[at] == '\xFF') {
       ends_[at] = std::string(data_, at + 10, 44);
       at += static_cast<unsigned char>(data_[at + 2]);
