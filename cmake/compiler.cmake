@@ -12,7 +12,6 @@ if(VDSTO_CCACHE)
 endif()
 
 if(VDSTO_SANITIZE)
-  add_compile_options(-UNDEBUG)  # assertions run where the sanitizers do
   add_compile_options(-fsanitize=${VDSTO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${VDSTO_SANITIZE})
 endif()
