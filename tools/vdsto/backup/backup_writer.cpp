@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "tools/vdsto/backup/file_descriptor.h"
+#include "tools/vdsto/library/file_descriptor.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"

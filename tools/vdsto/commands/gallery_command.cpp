@@ -4,6 +4,7 @@
 #include "tools/vdsto/gallery/gallery.h"
 #include "tools/vdsto/gallery/gallery_output.h"
 #include "tools/vdsto/gallery/gallery_writer.h"
+#include "tools/vdsto/library/image_key.h"
 #include "tools/vdsto/selection/tags.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
@@ -41,7 +42,8 @@ struct MakeGallery {
     if (guids.IsEmpty()) throw ToolError(ExitCode::kNotFound, "no photos for a gallery");
     GalleryOutput output(target, force);
     Gallery gallery = ReadGallery(library, options.password, guids);
-    const size_t thumbnails = WriteGallery(gallery, Title(), library.Folder(), output);
+    const size_t thumbnails =
+        WriteGallery(gallery, Title(), library.Folder(), SealOf(library, options.password), output);
     output.Publish();
     return invocation.Write(Told(gallery, thumbnails));
   }

@@ -1,14 +1,18 @@
 #include "tools/vdsto/gallery/gallery_writer.h"
 
 #include <array>
+#include <functional>
+#include <iostream>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/vdsto/gallery/gallery_data.h"
 #include "tools/vdsto/gallery/page_files.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/picture/picture_decoder.h"
+#include "tools/vdsto/tool_error.h"
 
 namespace vdsto {
 namespace {
@@ -32,9 +36,22 @@ void WriteTurned(std::span<const uint8_t> image, int quarters, const std::string
   output.Write(name, TextOf(turned.thumbnail.empty() ? image : turned.thumbnail));
 }
 
+/// False when the thumbnail is not there, and when it is damaged, which is told.
+bool WriteThumbnail(ImageStore& store, const std::string& key,
+                    const std::function<void(std::span<const uint8_t>)>& write) {
+  try {
+    return !key.empty() && store.Lend(key, write);
+  } catch (const ToolError& error) {
+    if (error.Code() != ExitCode::kDamaged) throw;
+    std::cerr << "vdsto: " << error.what() << std::endl;
+    return false;
+  }
+}
+
 /// Forgets the keys of thumbnails that are not there.
-size_t WriteThumbnails(Gallery& gallery, const std::string& library_folder, GalleryOutput& output) {
-  ImageStore store(library_folder);
+size_t WriteThumbnails(Gallery& gallery, const std::string& library_folder,
+                       std::shared_ptr<const ImageSeal> seal, GalleryOutput& output) {
+  ImageStore store(library_folder, std::move(seal));
   const bool is_open = store.Open();
   size_t written = 0;
   for (size_t i = 0; i < gallery.photos.size(); ++i) {
@@ -42,7 +59,7 @@ size_t WriteThumbnails(Gallery& gallery, const std::string& library_folder, Gall
     const auto write = [&](std::span<const uint8_t> image) {
       WriteTurned(image, photo.item.Rotate, ThumbnailPath(i), output);
     };
-    if (is_open && !photo.image_key.empty() && store.Lend(photo.image_key, write))
+    if (is_open && WriteThumbnail(store, photo.image_key, write))
       ++written;
     else
       photo.image_key.clear();
@@ -63,8 +80,8 @@ std::string PageText(const EmbeddedFile& file, const std::string& title) {
 }  // namespace
 
 size_t WriteGallery(Gallery& gallery, const std::string& title, const std::string& library_folder,
-                    GalleryOutput& output) {
-  const size_t thumbnails = WriteThumbnails(gallery, library_folder, output);
+                    std::shared_ptr<const ImageSeal> seal, GalleryOutput& output) {
+  const size_t thumbnails = WriteThumbnails(gallery, library_folder, std::move(seal), output);
   output.Write("data/index.js", IndexScript(gallery, title));
   for (size_t chunk = 0; chunk * kPhotosPerChunk < gallery.photos.size(); ++chunk)
     output.Write("data/" + std::to_string(chunk) + ".js", ChunkScript(gallery, chunk));

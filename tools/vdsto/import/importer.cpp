@@ -57,8 +57,8 @@ ProbeResult Probe(ImportJob job) {
 
 class Import {
  public:
-  Import(Library& library, bool quiet)
-      : images_(library.Folder()),
+  Import(Library& library, std::shared_ptr<const ImageSeal> seal, bool quiet)
+      : images_(library.Folder(), std::move(seal)),
         mirror_(library),
         moved_(library),
         writer_(library, images_, mirror_, summary_),
@@ -222,9 +222,10 @@ ImportRoots CheckImportRoots(const std::vector<std::string>& folders) {
   throw ToolError(ExitCode::kNotFound, list);
 }
 
-ImportSummary ImportFolders(Library& library, const ImportRoots& roots, bool quiet) {
+ImportSummary ImportFolders(Library& library, std::shared_ptr<const ImageSeal> seal,
+                            const ImportRoots& roots, bool quiet) {
   const InterruptionGuard guard;
-  return Import(library, quiet).Run(roots);
+  return Import(library, std::move(seal), quiet).Run(roots);
 }
 
 }  // namespace vdsto

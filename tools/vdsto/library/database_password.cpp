@@ -26,8 +26,9 @@ std::string Cut(const std::string& password, size_t (*places_of)(char32_t)) {
   return FirstCharacters(password, characters);
 }
 
-void OpenWith(CDaoDatabase& database, const std::string& path, const std::string& password) {
+std::string OpenWith(CDaoDatabase& database, const std::string& path, std::string password) {
   database.Open(path.c_str(), false, true, (";PWD=" + password).c_str());
+  return password;
 }
 
 }  // namespace
@@ -36,13 +37,13 @@ std::string CountingPassword(const std::string& password) {
   return Cut(password, &KoreanPlaces);
 }
 
-void OpenUnderPassword(CDaoDatabase& database, const std::string& path,
-                       const std::string& password) {
+std::string OpenUnderPassword(CDaoDatabase& database, const std::string& path,
+                              const std::string& password) {
   try {
-    OpenWith(database, path, CountingPassword(password));
+    return OpenWith(database, path, CountingPassword(password));
   } catch (const CDaoException& error) {
     if (error.Code() != kWrongPassword) throw;
-    OpenWith(database, path, Cut(password, &Bytes));  // of a file made when bytes counted
+    return OpenWith(database, path, Cut(password, &Bytes));  // of a file made when bytes counted
   }
 }
 

@@ -10,8 +10,8 @@ namespace vdsto {
 std::string CountingPassword(const std::string& password);
 
 /// Opens `database` under the catalogue's password, however that was cut when the file was made.
-/// Throws CDaoException.
-void OpenUnderPassword(CDaoDatabase& database, const std::string& path,
-                       const std::string& password);
+/// Answers the password as the file knows it. Throws CDaoException.
+std::string OpenUnderPassword(CDaoDatabase& database, const std::string& path,
+                              const std::string& password);
 
 }  // namespace vdsto
