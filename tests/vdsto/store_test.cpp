@@ -285,17 +285,21 @@ TEST_F(StoreTest, CheckFindsWhatIsWrongAndChangesNothing) {
                             {"photos", "wrong"},
                             {"originals", "wrong"}}));
   const std::string bytes = ReadFile(Catalogue());
-  WriteFile(Catalogue(), bytes.substr(0, 4096) + std::string(8192, 'x') + bytes.substr(12288));
+  WriteFile(Catalogue(), bytes.substr(0, 4096) + std::string(bytes.size() - 4096, 'x'));
   EXPECT_EQ(Verdicts(7)["catalogue"], "wrong");
   EXPECT_THAT(Vdsto({"ls"}).err, HasSubstr("vdsto check"));
 }
 
 TEST_F(StoreTest, SqlReadsAndChangesNothing) {
   ImportThree();
-  const std::string count = "SELECT COUNT(*) AS n FROM PhotoMaster WHERE szFileName LIKE 'B*'";
+  const std::string count = "SELECT COUNT(*) AS n FROM PhotoMaster WHERE szFileName LIKE 'B.*'";
   EXPECT_EQ(Vdsto({"sql", count}).Json(), json::parse(R"([{"n": 2}])"));
   EXPECT_EQ(RunVdsto({"--library", Library(), "sql", count}).out, "n\n2\n");
   EXPECT_EQ(Vdsto({"sql", "--facts", "SELECT szGUID FROM PhotoFacts"}).Json().size(), 4U);
+  ExpectRefused({"sql", "--search", count}, 2, "'PhotoMaster'");
+  EXPECT_EQ(Vdsto({"sql", "--search", "SELECT MAX(dxFileSize) AS n FROM SearchPhotoMaster"}).code,
+            0);
+  fs::remove(Library() + "/search.vdb");
   ExpectRefused({"sql", "--search", count}, 6, "no search.vdb");
   ExpectRefused({"sql", "DELETE FROM PhotoMaster"}, 8, "only reads");
   ExpectRefused({"sql", "SELECT 1 FROM TagInfo; DELETE FROM PhotoMaster"}, 2, "");

@@ -11,6 +11,7 @@
 /// What a variant holds. On Windows the SDK's own.
 #if defined(_WIN32)
 #include <wtypes.h>
+inline constexpr VARTYPE VT_BYTES = VT_ARRAY | VT_UI1;
 #else
 enum VARTYPE : std::uint16_t {
   VT_EMPTY = 0,
@@ -19,10 +20,9 @@ enum VARTYPE : std::uint16_t {
   VT_R8 = 5,
   VT_BSTR = 8,
   VT_UI1 = 17,
-  VT_ARRAY = 0x2000,
+  VT_BYTES = 0x2000 | VT_UI1,  ///< an array of bytes
 };
 #endif
-inline constexpr auto VT_BYTES = static_cast<VARTYPE>(VT_ARRAY | VT_UI1);  ///< an array of bytes
 
 /// A column value of changing type. Text is in the process's code page.
 class VDSTO_API COleVariant {
