@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/vdsto/backup/file_descriptor.h"
+#include "tools/vdsto/library/file_descriptor.h"
 #include "tools/vdsto/library/lock_file.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"

@@ -10,8 +10,10 @@
 #include "tools/vdsto/import/progress_bar.h"
 #include "tools/vdsto/library/database_password.h"
 #include "tools/vdsto/library/folder_rows.h"
+#include "tools/vdsto/library/image_key.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/library/store_census.h"
+#include "tools/vdsto/library/store_rewriting.h"
 #include "tools/vdsto/picture/source_file.h"
 #include "tools/vdsto/selection/catalogue_path.h"
 #include "tools/vdsto/text/source_location.h"
@@ -107,6 +109,25 @@ Verdict CheckStore(const StoreCensus& census, const std::string& path) {
              is_in_use ? State::kUnknown : State::kWrong);
   verdict.count = report.is_sound ? 0 : report.finding_count;
   return verdict;
+}
+
+/// Reading every image needs the store for itself: imports wait for that, and it waits for none.
+Verdict CheckSeals(const Library& library) {
+  const char* const what = "encryption";
+  if (library.Password().empty())
+    return {what, State::kGood, 0, "none: there is no password", {}, {}};
+  try {
+    const ImportLock lock(library.Folder(), [] {
+      throw ToolError(ExitCode::kRefused, "not known while an import adds images");
+    });
+    std::vector<std::string> forged = ForgedImages(library.Folder(), SealOf(library).get());
+    if (forged.empty() && NeedsSealing(library))
+      return {what, State::kNote, 1, "thumbnails are not encrypted yet", "vdsto import", {}};
+    return Judged(what, "every thumbnail is what was stored", std::move(forged),
+                  "thumbnails are not what was stored", "vdsto store repair, then vdsto import");
+  } catch (const ToolError& error) {
+    return {what, State::kUnknown, 0, error.what(), {}, {}};
+  }
 }
 
 void AddStoreVerdicts(Library& library, std::vector<Verdict>& verdicts) {
@@ -310,6 +331,7 @@ struct Check {
     verdicts.push_back(CheckSearch(options, catalogue));
     Library library(options);
     AddStoreVerdicts(library, verdicts);
+    verdicts.push_back(CheckSeals(library));
     AddFolderVerdicts(library, verdicts);
     if (originals) verdicts.push_back(Originals(library).Check());
     return verdicts;

@@ -5,6 +5,8 @@
 #include "tools/vdsto/cli/invocation.h"
 #include "tools/vdsto/commands/commands.h"
 #include "tools/vdsto/import/importer.h"
+#include "tools/vdsto/library/image_key.h"
+#include "tools/vdsto/library/password_change.h"
 #include "tools/vdsto/library/store_repair.h"
 #include "tools/vdsto/picture/picture_probe.h"
 #include "tools/vdsto/text/text.h"
@@ -87,6 +89,10 @@ ExitCode CodeFor(const ImportSummary& summary) {
   return is_complete ? ExitCode::kOk : ExitCode::kUnreadable;
 }
 
+void Tell(const std::vector<std::string>& news) {
+  for (const std::string& each : news) std::cerr << "vdsto: " << each << std::endl;
+}
+
 struct Import {
   std::vector<std::string> folders;
 
@@ -97,12 +103,13 @@ struct Import {
   /// The library is made last, when it is sure that there is something to import.
   ExitCode Run(Invocation& invocation) const {
     const ImportRoots roots = CheckImportRoots(folders);
-    const LibraryOptions options = invocation.AskForLibrary();
+    const LibraryOptions options = invocation.AskForNewLibrary();
     InitialiseProbing();
     const ImportLock lock = invocation.LockOutImports();
     Library library(options, lock);
-    for (const std::string& news : PrepareImageStore(options.folder, lock))
-      std::cerr << "vdsto: " << news << std::endl;
+    FinishPasswordChange(options.folder, options.password, lock);
+    Tell(PrepareImageStore(options.folder, lock));
+    Tell(PrepareSeal(library, lock));
     library.CallSearch([](auto& copy) { copy.Prepare(); });
     const ImportSummary summary = ImportFolders(library, roots, invocation.WantsJson());
     invocation.Write(Describe(summary));

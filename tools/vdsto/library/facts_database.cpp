@@ -14,7 +14,6 @@ namespace vdsto {
 namespace {
 
 constexpr int kVersion = 3;
-constexpr int kWrongPassword = 3031;
 constexpr int kDamaged = 3049;
 constexpr int kNoDatabase = 3343;
 constexpr size_t kGuidsPerQuery = 500;
@@ -152,7 +151,8 @@ void InPieces(std::span<const std::string> guids, Use use) {
 }
 
 bool CannotBeUsed(const CDaoException& error) {
-  return error.Code() == kDamaged || error.Code() == kNoDatabase || error.Code() == kWrongPassword;
+  return error.Code() == kDamaged || error.Code() == kNoDatabase ||
+         error.Code() == kWrongDatabasePassword;
 }
 
 }  // namespace
