@@ -111,23 +111,14 @@ Verdict CheckStore(const StoreCensus& census, const std::string& path) {
   return verdict;
 }
 
-/// Reading every image needs the store for itself: imports wait for that, and it waits for none.
-Verdict CheckSeals(const Library& library) {
+/// Of a library under a password.
+Verdict CheckSeals(const Library& library, const std::vector<std::string>& keys) {
   const char* const what = "encryption";
-  if (library.Password().empty())
-    return {what, State::kGood, 0, "none: there is no password", {}, {}};
-  try {
-    const ImportLock lock(library.Folder(), [] {
-      throw ToolError(ExitCode::kRefused, "not known while an import adds images");
-    });
-    std::vector<std::string> forged = ForgedImages(library.Folder(), SealOf(library).get());
-    if (forged.empty() && NeedsSealing(library))
-      return {what, State::kNote, 1, "thumbnails are not encrypted yet", "vdsto import", {}};
-    return Judged(what, "every thumbnail is what was stored", std::move(forged),
-                  "thumbnails are not what was stored", "vdsto store repair, then vdsto import");
-  } catch (const ToolError& error) {
-    return {what, State::kUnknown, 0, error.what(), {}, {}};
-  }
+  std::vector<std::string> forged = ForgedImages(library.Folder(), SealOf(library).get(), keys);
+  if (forged.empty() && NeedsSealing(library))
+    return {what, State::kNote, 1, "thumbnails are not encrypted yet", "vdsto import", {}};
+  return Judged(what, "every thumbnail is what was stored", std::move(forged),
+                "thumbnails are not what was stored", "vdsto store repair, then vdsto import");
 }
 
 void AddStoreVerdicts(Library& library, std::vector<Verdict>& verdicts) {
@@ -151,6 +142,7 @@ void AddStoreVerdicts(Library& library, std::vector<Verdict>& verdicts) {
     orphans.advice = "vdsto store compact";
   }
   verdicts.push_back(orphans);
+  if (!library.Password().empty()) verdicts.push_back(CheckSeals(library, census.keys));
 }
 
 /// Does the way up end at a folder without a parent?
@@ -331,7 +323,6 @@ struct Check {
     verdicts.push_back(CheckSearch(options, catalogue));
     Library library(options);
     AddStoreVerdicts(library, verdicts);
-    verdicts.push_back(CheckSeals(library));
     AddFolderVerdicts(library, verdicts);
     if (originals) verdicts.push_back(Originals(library).Check());
     return verdicts;

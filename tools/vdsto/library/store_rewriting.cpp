@@ -110,14 +110,17 @@ RewriteSummary RewriteImages(const std::string& library_folder, const ImportLock
   return summary;
 }
 
-std::vector<std::string> ForgedImages(const std::string& library_folder, const ImageSeal* seal) {
+std::vector<std::string> ForgedImages(const std::string& library_folder, const ImageSeal* seal,
+                                      const std::vector<std::string>& keys) {
+  const std::string path = ImageStorePath(library_folder);
   std::vector<std::string> forged;
-  if (!IsImageStoreThere(library_folder)) return forged;
-  CRkStorageManager storage;
-  OpenStorage(ImageStorePath(library_folder), storage);
-  ForEachImage(storage, [&](int, const std::string& key, ImageBytes stored) {
-    if (IsForged(seal, key, stored)) forged.push_back(key);
-  });
+  CBinData stored;
+  for (const std::string& key : keys) {
+    if (vdstomgr::ReadStorage(path.c_str(), key.c_str(), stored) != vdstomgr::StorageLookup::Found)
+      continue;
+    if (IsForged(seal, key, {stored.GetData(), static_cast<size_t>(stored.GetLength())}))
+      forged.push_back(key);
+  }
   return forged;
 }
 

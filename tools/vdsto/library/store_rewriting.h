@@ -26,11 +26,13 @@ using ImageChange = std::function<std::optional<std::vector<uint8_t>>(const std:
 RewriteSummary RewriteImages(const std::string& library_folder, const ImportLock& lock,
                              const ImageChange& change);
 
-/// The keys of the images that are not what was stored, and of those that are encrypted while
-/// `seal` is null. Needs the store for itself. Throws ToolError.
-std::vector<std::string> ForgedImages(const std::string& library_folder, const ImageSeal* seal);
+/// Those of the keys whose images are not what was stored, or are encrypted while `seal` is null;
+/// also while an import writes to the store.
+std::vector<std::string> ForgedImages(const std::string& library_folder, const ImageSeal* seal,
+                                      const std::vector<std::string>& keys);
 
-/// Removes them, so that the next import makes them again; answers their keys.
+/// Removes all such images, so that the next import makes them again; answers their keys. Needs the
+/// store for itself. Throws ToolError.
 std::vector<std::string> DropForgedImages(const std::string& library_folder, const ImageSeal* seal,
                                           const ImportLock& lock);
 
