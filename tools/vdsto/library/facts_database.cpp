@@ -166,6 +166,18 @@ void FactsDatabase::Read(Operation operation) {
   }
 }
 
+template <class Use>
+void FactsDatabase::ForEachRow(const char* query, Use use) {
+  Read([&] {
+    CDaoRecordset rows(&database_);
+    rows.Open(dbOpenDynaset, query);
+    for (; !rows.IsEOF(); rows.MoveNext()) {
+      Columns columns(rows);
+      use(columns);
+    }
+  });
+}
+
 template <class Operation>
 void FactsDatabase::InOneCommit(Operation operation) {
   database_.BeginGroup();
@@ -272,17 +284,12 @@ std::unordered_map<std::string, PhotoFacts> FactsDatabase::Of(
 }
 
 void FactsDatabase::ForEachFile(const std::function<void(const PhotoFacts&)>& use) {
-  Read([&] {
-    CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kSelectFiles);
-    for (; !rows.IsEOF(); rows.MoveNext()) {
-      Columns columns(rows);
-      PhotoFacts facts;
-      ReadFile(columns, facts);
-      ReadWhereabouts(columns, facts);
-      facts.sidecar = StampFromText(columns.Text());
-      use(facts);
-    }
+  ForEachRow(kSelectFiles, [&](Columns& columns) {
+    PhotoFacts facts;
+    ReadFile(columns, facts);
+    ReadWhereabouts(columns, facts);
+    facts.sidecar = StampFromText(columns.Text());
+    use(facts);
   });
 }
 
@@ -304,16 +311,11 @@ std::vector<PhotoFacts> FactsDatabase::NotGood() {
 
 std::vector<ImportPlace> FactsDatabase::Places() {
   std::vector<ImportPlace> places;
-  Read([&] {
-    CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, "SELECT nPlace, szPath, szDevice FROM ImportPlaces");
-    for (; !rows.IsEOF(); rows.MoveNext()) {
-      Columns columns(rows);
-      ImportPlace& place = places.emplace_back();
-      place.id = columns.Half();
-      place.path = columns.Path();
-      place.device = columns.Text();
-    }
+  ForEachRow("SELECT nPlace, szPath, szDevice FROM ImportPlaces", [&](Columns& columns) {
+    ImportPlace& place = places.emplace_back();
+    place.id = columns.Half();
+    place.path = columns.Path();
+    place.device = columns.Text();
   });
   return places;
 }
@@ -349,15 +351,10 @@ void FactsDatabase::SetGone(const std::vector<std::string>& guids, int32_t since
 
 std::vector<UnreadableFile> FactsDatabase::Unreadable() {
   std::vector<UnreadableFile> files;
-  Read([&] {
-    CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, "SELECT szPath, szReason FROM UnreadableFiles");
-    for (; !rows.IsEOF(); rows.MoveNext()) {
-      Columns columns(rows);
-      UnreadableFile& file = files.emplace_back();
-      file.path = columns.Path();
-      file.reason = columns.Text();
-    }
+  ForEachRow("SELECT szPath, szReason FROM UnreadableFiles", [&](Columns& columns) {
+    UnreadableFile& file = files.emplace_back();
+    file.path = columns.Path();
+    file.reason = columns.Text();
   });
   return files;
 }

@@ -30,7 +30,7 @@ constexpr std::chrono::milliseconds kPause{50};
 bool Exists(const std::string& path) {
   std::error_code error;
   const bool exists = std::filesystem::exists(path, error);
-  if (error) throw ToolError(ExitCode::kCannotOpen, path + ": " + error.message());
+  if (error) ThrowSystemError(path, error);
   return exists;
 }
 
@@ -46,7 +46,7 @@ std::string WhyNotOpened(const std::string& path, int access_mode) {
 void Rename(const std::string& from, const std::string& to) {
   std::error_code error;
   std::filesystem::rename(from, to, error);
-  if (error) throw ToolError(ExitCode::kCannotOpen, Printable(to) + ": " + error.message());
+  if (error) ThrowSystemError(to, error);
 }
 
 /// Without its data file there may still be the pieces of a compaction that was killed.

@@ -73,14 +73,14 @@ void CreateCatalogue(const std::string& folder, const std::string& password) {
   try {
     PublishFile(unfinished, path);
   } catch (const std::system_error& error) {
-    throw ToolError(ExitCode::kCannotOpen, path + ": " + error.code().message());
+    ThrowSystemError(path, error.code());
   }
 }
 
 bool Exists(const std::string& path) {
   std::error_code error;
   const bool exists = std::filesystem::exists(path, error);
-  if (error) throw ToolError(ExitCode::kCannotOpen, path + ": " + error.message());
+  if (error) ThrowSystemError(path, error);
   return exists;
 }
 

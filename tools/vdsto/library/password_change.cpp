@@ -30,11 +30,6 @@ constexpr const char* kSearch = "search.vdb";
 constexpr const char* kCopySuffix = ".rekey";
 constexpr std::array kCompanions{"-wal", "-shm", "-journal"};
 
-[[noreturn]] void ThrowErrno(const std::string& path, int error) {
-  throw ToolError(ExitCode::kCannotOpen,
-                  Printable(path) + ": " + std::generic_category().message(error));
-}
-
 [[noreturn]] void ThrowInUse(const std::string& folder) {
   throw ToolError(ExitCode::kRefused, "somebody uses the library in " + Printable(folder) +
                                           ": nothing was changed, try again when that has ended");
