@@ -2,6 +2,7 @@
 # Measures `vdsto upload run` against cp -r, scp -r and sftp's put -r, with the same files and the same server.
 # Usage: bench/run-upload.sh [FILES [BYTES]]   (default 10000 files of 12000 bytes)
 # Each is run three times in turn, with its source in the cache and nothing left to be written; the best counts.
+# Nothing is deleted in between: a file system may take its time for places that were given back a moment ago.
 # cp is run alone and with sync behind it, as vdsto makes the system write a folder's files through at its end.
 # The processor's time is the program's own, without the server. The files lie in $VDSTO_BENCH_FOLDER (default
 # build/bench-upload).
@@ -60,27 +61,27 @@ sleep 1
 export VDSTO_UPLOAD_KNOWN_HOSTS=$folder/ssh/known_hosts
 user=$(id -un)
 ssh_options=(-q -P "$port" -i "$folder/ssh/user" -o UserKnownHostsFile="$folder/ssh/known_hosts")
-echo "put -r $folder/src $folder/out" >ssh/batch
 
 ours() { "$vdsto" --library run upload run --json --to "$1" --key "$folder/ssh/user"; }
-ours_folder() { ours "$folder/out"; }
-ours_sftp() { ours "sftp://$user@127.0.0.1:$port$folder/out"; }
-cp_r() { cp -r src out; }
-cp_sync() { cp -r src out && sync -f out; }
-scp_r() { scp "${ssh_options[@]}" -r src "$user@127.0.0.1:$folder/out"; }
-sftp_r() { sftp "${ssh_options[@]}" -b ssh/batch "$user@127.0.0.1"; }
+ours_folder() { ours "$out"; }
+ours_sftp() { ours "sftp://$user@127.0.0.1:$port$out"; }
+cp_r() { cp -r src "$out"; }
+cp_sync() { cp -r src "$out" && sync -f "$out"; }
+scp_r() { scp "${ssh_options[@]}" -r src "$user@127.0.0.1:$out"; }
+sftp_r() { echo "put -r $folder/src $out" >ssh/batch && sftp "${ssh_options[@]}" -b ssh/batch "$user@127.0.0.1"; }
 
 declare -A best cpu
 TIMEFORMAT='%R %U %S'
 for round in 1 2 3; do
   for subject in cp_r ours_folder cp_sync scp_r ours_sftp sftp_r; do
-    rm -rf out run
-    mkdir out
+    out=$folder/out/$round/$subject
+    rm -rf run
+    mkdir -p "$out"
     cp -r library run
     cat src/*/* >/dev/null
     sync
     read -r elapsed own system < <({ time $subject >log 2>&1; } 2>&1)
-    [ "$(find out -type f | wc -l)" -eq "$files" ] || { cat log >&2; echo "$subject left files out" >&2; exit 1; }
+    [ "$(find "$out" -type f | wc -l)" -eq "$files" ] || { cat log >&2; echo "$subject left files out" >&2; exit 1; }
     took=$(awk "BEGIN { print int($elapsed * 1000) }")
     [ "${best[$subject]:-$took}" -lt "$took" ] && continue
     best[$subject]=$took
