@@ -172,7 +172,7 @@ TEST_F(PasswordTest, ExchangedImagesAreDamagedAndPlainOnesAreEncryptedLater) {
 }
 
 TEST_F(PasswordTest, KilledAtAnyTimeOneOfTheTwoOpensEverything) {
-  constexpr int kPhotos = 12, kRuns = 20;
+  constexpr int kPhotos = 12, kRuns = 15;
   MakePictures(kPhotos);
   Import();
   const auto images = Thumbnails("", kPhotos);

@@ -45,7 +45,7 @@ struct MakeGallery {
     Library library = invocation.OpenLibraryToRead();
     CStringArray guids = query.IsEmpty() ? AllPhotos(library) : SelectPhotos(library, query);
     if (!tags.words.empty()) guids = WithAllTags(library, guids, SelectTags(library, tags));
-    if (guids.IsEmpty()) throw ToolError(ExitCode::kNotFound, "no photos for a gallery");
+    if (guids.IsEmpty()) throw ToolError(ExitCode::kNotFound, "no photos for a gallery; -r takes those below a folder, too");
     GalleryOutput output(target, force);
     Gallery gallery = ReadGallery(library, guids);
     const size_t thumbnails = WriteGallery(gallery, Title(), library, output);
