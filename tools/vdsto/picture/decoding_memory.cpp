@@ -19,7 +19,7 @@ constexpr uint64_t kLinesHeld = 512;
 /// So many rows of tiles are held.
 constexpr uint64_t kTileRowsHeld = 3;
 /// Bytes for each pixel, whatever comes out.
-constexpr uint64_t kWebpPixel = 4, kGifPixel = 6;
+constexpr uint64_t kWebpPixel = 4, kGifPixel = 8;
 /// Two pictures of 12 megapixels in a form that is decoded as a whole, on two cores.
 constexpr uint64_t kBudgetPerCore = 80 * kMiB;
 constexpr uint64_t kAlwaysAllowed = 192 * kMiB;
