@@ -294,16 +294,16 @@ TEST_F(ImportTest, APasswordIsTypedUnseenAndTheTerminalStaysAsItWas) {
       return execl(VDSTO_PROGRAM, "vdsto", "--library", Library().c_str(), "--password", "import",
                    Pictures().c_str(), nullptr);
     };
-    return RunAtTerminal(import, "Password: ", typed);
+    return RunAtTerminal(import, "New password: ", typed);
   };
   for (const auto& [typed, code] :
-       {std::pair("se\x03", 130), {"\x1c", 131}, {"\n", 2}, {"\x04", 2}}) {
+       {std::pair("se\x03", 130), {"\x1c", 131}, {"\n", 2}, {"\x04", 2}, {"a\nb\n", 2}}) {
     const auto stopped = at_prompt(typed);
     EXPECT_EQ(stopped.outcome.code, code);
     EXPECT_TRUE(stopped.echoes);
     EXPECT_FALSE(fs::exists(Library()));
   }
-  const auto done = at_prompt("secret\n");
+  const auto done = at_prompt("secret\nsecret\n");
   EXPECT_EQ(done.outcome.code, 0);
   EXPECT_TRUE(done.echoes);
   EXPECT_THAT(done.outcome.out, testing::Not(HasSubstr("secret")));

@@ -11,7 +11,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "tools/vdsto/backup/file_descriptor.h"
+#include "tools/vdsto/library/file_descriptor.h"
 #include "tools/vdsto/library/finished_file.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"

@@ -6,7 +6,8 @@
 #include <filesystem>
 #include <memory>
 
-#include "tools/vdsto/backup/file_descriptor.h"
+#include "tools/vdsto/library/database_password.h"
+#include "tools/vdsto/library/file_descriptor.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
@@ -33,7 +34,6 @@ constexpr std::array kDatabases{DatabaseFile{"catalogue.vdb", nullptr},
 constexpr uint64_t kDatabasePiece = uint64_t{256} << 10;
 constexpr uint64_t kStorePiece = uint64_t{4} << 20;
 constexpr int kDiskFull = 3026;
-constexpr int kWrongPassword = 3031;
 
 int64_t Now() {
   return std::chrono::duration_cast<std::chrono::seconds>(
@@ -132,7 +132,7 @@ class BackupRun {
       const std::string reason = error.what();
       if (file.remedy != nullptr) return LeaveOut(file.name, reason + " " + file.remedy);
       const auto code =
-          error.Code() == kWrongPassword ? ExitCode::kWrongPassword : ExitCode::kCannotOpen;
+          error.Code() == kWrongDatabasePassword ? ExitCode::kWrongPassword : ExitCode::kCannotOpen;
       throw ToolError(code, reason + " Nothing was backed up; older backups are as they were");
     }
   }

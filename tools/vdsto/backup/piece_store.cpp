@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "tools/vdsto/backup/file_descriptor.h"
+#include "tools/vdsto/library/file_descriptor.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
 #include "tools/vdsto/tool_error.h"

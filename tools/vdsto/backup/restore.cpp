@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/vdsto/backup/file_descriptor.h"
+#include "tools/vdsto/library/file_descriptor.h"
 #include "tools/vdsto/library/lock_file.h"
 #include "tools/vdsto/text/source_location.h"
 #include "tools/vdsto/text/text.h"
@@ -28,11 +28,6 @@ namespace fs = std::filesystem;
 /// Any of them makes a folder one of a library.
 constexpr std::array kLibraryFiles{"catalogue.vdb", "search.vdb", "facts.vdb", "images.pdb"};
 constexpr std::array<std::string_view, 2> kLocks{"import.lock", "upload.lock"};
-
-[[noreturn]] void ThrowNotRestored(const std::string& path, int error) {
-  throw ToolError(ExitCode::kCannotOpen,
-                  Printable(path) + ": " + std::generic_category().message(error));
-}
 
 bool IsThere(const std::string& path) {
   std::error_code error;
@@ -67,7 +62,7 @@ class OldLibrary {
     const bool is_free = file->IsOpen() && fcntl(file->Get(), F_SETLK, &whole) == 0 &&
                          ::flock(file->Get(), LOCK_EX | LOCK_NB) == 0;
     if (is_free) return;
-    if (!file->IsOpen()) ThrowNotRestored(path, errno);
+    if (!file->IsOpen()) ThrowErrno(path, errno);
     ThrowInUse(folder);
   }
 
@@ -82,7 +77,7 @@ class NewLibrary {
       : path_(Joined(ParentOf(path), "." + std::string(LastComponent(path)) + ".vdsto-restore")) {
     std::error_code error;
     fs::create_directories(path_, error);
-    if (error) ThrowNotRestored(path_, error.value());
+    if (error) ThrowErrno(path_, error.value());
     lock_.emplace(path_, std::string(kLocks[0]));
     if (!lock_->Try())
       throw ToolError(ExitCode::kRefused, "another vdsto restore works on this library");
@@ -101,7 +96,7 @@ class NewLibrary {
   /// Takes the place of `path`; what was there is then at the path that is answered, if anything.
   std::string TakePlace(const std::string& path, bool is_replacing, const std::string& kept) {
     const FileDescriptor folder(path_, O_RDONLY | O_DIRECTORY);
-    if (!folder.IsOpen() || !folder.Sync()) ThrowNotRestored(path_, errno);
+    if (!folder.IsOpen() || !folder.Sync()) ThrowErrno(path_, errno);
     if (is_replacing) {
       Exchange(path, kept);
     } else if (rename(path_.c_str(), path.c_str()) != 0) {
@@ -117,7 +112,7 @@ class NewLibrary {
   /// In one step where the file system can: there is a library in its place at any time.
   void Exchange(const std::string& path, const std::string& kept) const {
     if (renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, path.c_str(), RENAME_EXCHANGE) == 0) {
-      if (rename(path_.c_str(), kept.c_str()) != 0) ThrowNotRestored(kept, errno);
+      if (rename(path_.c_str(), kept.c_str()) != 0) ThrowErrno(kept, errno);
       return;
     }
     if (errno != EINVAL && errno != ENOSYS) ThrowNotPlaced(path);
@@ -125,7 +120,7 @@ class NewLibrary {
     if (rename(path_.c_str(), path.c_str()) == 0) return;
     const int error = errno;
     static_cast<void>(rename(kept.c_str(), path.c_str()));
-    ThrowNotRestored(path, error);
+    ThrowErrno(path, error);
   }
 
   [[noreturn]] static void ThrowNotPlaced(const std::string& path) {
@@ -154,14 +149,14 @@ class RestoreRun {
   void Write(const BackedUpFile& file, const std::string& path) {
     const FileDescriptor target(path, O_WRONLY | O_CREAT | O_EXCL);
     std::vector<unsigned char> bytes;
-    if (!target.IsOpen()) ThrowNotRestored(path, errno);
+    if (!target.IsOpen()) ThrowErrno(path, errno);
     for (size_t i = 0; i < file.pieces.size(); ++i) {
       const uint64_t size = file.SizeOfPiece(i);
       if (pieces_.Read(file.pieces[i], size, bytes) != PieceFault::kNone) ThrowDamaged(file.name);
-      if (!target.Write(bytes)) ThrowNotRestored(path, errno);
+      if (!target.Write(bytes)) ThrowErrno(path, errno);
       progress_(done_ += size, generation_.Bytes());
     }
-    if (!target.Sync()) ThrowNotRestored(path, errno);
+    if (!target.Sync()) ThrowErrno(path, errno);
   }
 
   [[noreturn]] void ThrowDamaged(const std::string& name) const {
@@ -193,7 +188,7 @@ bool HasOnlyLocks(const std::string& path) {
   for (fs::directory_iterator entry(path, error), end; !error && entry != end;
        entry.increment(error))
     if (std::ranges::find(kLocks, entry->path().filename().string()) == kLocks.end()) return false;
-  if (error) ThrowNotRestored(path, error.value());
+  if (error) ThrowErrno(path, error.value());
   for (const std::string_view lock : kLocks) fs::remove(Joined(path, lock), error);
   return true;
 }

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <iostream>
 
+#include "tools/vdsto/library/image_key.h"
+#include "tools/vdsto/library/password_change.h"
 #include "tools/vdsto/library/store_repair.h"
 #include "tools/vdsto/text/text.h"
 
@@ -41,13 +43,18 @@ std::string GoneSentence(const ImportSummary& summary) {
          " no longer on disk (vdsto missing lists them)";
 }
 
+void Tell(const std::vector<std::string>& news) {
+  for (const std::string& each : news) std::cerr << "vdsto: " << each << std::endl;
+}
+
 }  // namespace
 
 ImportSummary ImportInto(const LibraryOptions& options, const ImportLock& lock,
                          const ImportRoots& roots, bool quiet) {
   Library library(options, lock);
-  for (const std::string& news : PrepareImageStore(options.folder, lock))
-    std::cerr << "vdsto: " << news << std::endl;
+  FinishPasswordChange(options.folder, options.password, lock);
+  Tell(PrepareImageStore(options.folder, lock));
+  Tell(PrepareSeal(library, lock));
   library.CallSearch([](auto& copy) { copy.Prepare(); });
   return ImportFolders(library, roots, quiet);
 }

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "tools/vdsto/import/interruption.h"
+#include "tools/vdsto/library/finished_file.h"
 
 namespace vdsto {
 
@@ -12,6 +13,12 @@ std::string Invocation::LibraryFolder() const {
 
 LibraryOptions Invocation::AskForLibrary() const {
   return {LibraryFolder(), ReadPassword(options_.password)};
+}
+
+/// A file of any kind at the catalogue's place is opened, not replaced: its password is no new one.
+LibraryOptions Invocation::AskForNewLibrary() const {
+  if (IdentityOf(LibraryFolder() + "/catalogue.vdb")) return AskForLibrary();
+  return {LibraryFolder(), ReadNewPassword(options_.password)};
 }
 
 ImportLock Invocation::LockOutImports() const {

@@ -28,6 +28,10 @@ class Invocation {
   std::string LibraryFolder() const;
   /// The same and the password, which it asks for when the user wants to be asked.
   LibraryOptions AskForLibrary() const;
+  /// The same for a command that makes the library when it is not there: a password is new then.
+  LibraryOptions AskForNewLibrary() const;
+  /// Where the library's password comes from.
+  const PasswordSource& Password() const { return options_.password; }
   /// Opens the library, which must be there, to change it. Throws ToolError, also when it is
   /// read-only.
   Library OpenLibrary() const { return Library(AskForLibrary(), Use::kChanging); }

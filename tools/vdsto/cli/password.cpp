@@ -7,10 +7,13 @@
 
 #include <array>
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
 #include <optional>
 #include <string_view>
+#include <vector>
 
+#include "tools/vdsto/library/database_password.h"
 #include "tools/vdsto/text/text.h"
 #include "tools/vdsto/tool_error.h"
 
@@ -105,32 +108,85 @@ std::string FirstLine(std::istream& input) {
   return line;
 }
 
+using Answers = std::vector<std::string>;
+
 /// Nothing when a signal came; the terminal is as it was then.
-std::optional<std::string> TryToAsk() {
+std::optional<Answers> TryToAsk(const std::vector<std::string>& questions) {
   const NotedSignals signals;
   const SilentTerminal terminal;
-  terminal.Show("Password: ");
-  return terminal.ReadLine(signals);
+  Answers answers;
+  for (const std::string& question : questions) {
+    terminal.Show((answers.empty() ? "" : "\n") + question);
+    const auto line = terminal.ReadLine(signals);
+    if (!line) return std::nullopt;
+    answers.push_back(*line);
+    if (line->empty()) throw ToolError(ExitCode::kUsage, "no password was typed");
+  }
+  return answers;
 }
 
 /// A signal that came does its work now; when the process survives it, or goes on after a stop, it
 /// asks again.
-std::string AskOnTerminal() {
-  std::optional<std::string> password;
-  while (!(password = TryToAsk())) std::raise(noted_signal);
-  if (password->empty()) throw ToolError(ExitCode::kUsage, "no password was typed");
-  return *password;
+Answers AskOnTerminal(const std::vector<std::string>& questions) {
+  std::optional<Answers> answers;
+  while (!(answers = TryToAsk(questions))) std::raise(noted_signal);
+  return *answers;
+}
+
+std::string ReadFirstLine(const std::string& path) {
+  std::ifstream file(path);
+  if (!file) throw ToolError(ExitCode::kUsage, "cannot read the password file " + Printable(path));
+  return FirstLine(file);
+}
+
+/// What is read as far as the first NUL opens a library, so nothing in front of one is no password.
+std::string RequireOne(std::string password, const std::string& where) {
+  if (!password.empty() && password.front() != '\0') return password;
+  throw ToolError(ExitCode::kUsage, where + ", and an empty password is none: " +
+                                        "say nothing about passwords for a library without one");
+}
+
+[[noreturn]] void Refuse(const std::string& reason) {
+  throw ToolError(ExitCode::kUsage, "this cannot be a password: " + reason);
+}
+
+void RequireReliable(const std::string& password) {
+  if (password.find('\0') != std::string::npos) Refuse("it has a NUL character");
+  if (!IsUtf8(password)) Refuse("it is not in UTF-8");
+  const std::string counting = CountingPassword(password);
+  if (counting == password) return;
+  Refuse("only its first " + Counted(CharacterCount(counting), "character") +
+         " would count (20 places, of which a Korean character takes two): take a shorter one");
 }
 
 }  // namespace
 
-std::string ReadPassword(const PasswordSource& source) {
-  if (source.prompt) return AskOnTerminal();
-  if (source.file.empty()) return EnvironmentVariable("VDSTO_PASSWORD");
-  std::ifstream file(source.file);
-  if (!file)
-    throw ToolError(ExitCode::kUsage, "cannot read the password file " + Printable(source.file));
-  return FirstLine(file);
+bool PasswordSource::IsNamed() const {
+  return prompt || !file.empty() || std::getenv("VDSTO_PASSWORD") != nullptr;
+}
+
+std::string ReadPassword(const PasswordSource& source, const std::string& question) {
+  if (source.prompt) return AskOnTerminal({question}).front();
+  if (!source.file.empty()) {
+    return RequireOne(ReadFirstLine(source.file),
+                      "the first line of " + Printable(source.file) + " is empty");
+  }
+  if (!source.IsNamed()) return {};
+  return RequireOne(EnvironmentVariable("VDSTO_PASSWORD"), "VDSTO_PASSWORD is set but empty");
+}
+
+std::string ReadNewPassword(const PasswordSource& source, const std::string& question) {
+  std::string password;
+  if (source.prompt) {
+    const Answers answers = AskOnTerminal({question, "The same again: "});
+    if (answers[0] != answers[1])
+      throw ToolError(ExitCode::kUsage, "the two passwords differ: nothing was done");
+    password = answers[0];
+  } else {
+    password = ReadPassword(source);
+  }
+  RequireReliable(password);
+  return password;
 }
 
 }  // namespace vdsto

@@ -10,8 +10,10 @@
 #include "tools/vdsto/import/progress_bar.h"
 #include "tools/vdsto/library/database_password.h"
 #include "tools/vdsto/library/folder_rows.h"
+#include "tools/vdsto/library/image_key.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/library/store_census.h"
+#include "tools/vdsto/library/store_rewriting.h"
 #include "tools/vdsto/picture/source_file.h"
 #include "tools/vdsto/selection/catalogue_path.h"
 #include "tools/vdsto/text/source_location.h"
@@ -109,6 +111,16 @@ Verdict CheckStore(const StoreCensus& census, const std::string& path) {
   return verdict;
 }
 
+/// Of a library under a password.
+Verdict CheckSeals(const Library& library, const std::vector<std::string>& keys) {
+  const char* const what = "encryption";
+  std::vector<std::string> forged = ForgedImages(library.Folder(), SealOf(library).get(), keys);
+  if (forged.empty() && NeedsSealing(library))
+    return {what, State::kNote, 1, "thumbnails are not encrypted yet", "vdsto import", {}};
+  return Judged(what, "every thumbnail is what was stored", std::move(forged),
+                "thumbnails are not what was stored", "vdsto store repair, then vdsto import");
+}
+
 void AddStoreVerdicts(Library& library, std::vector<Verdict>& verdicts) {
   const std::string path = ImageStorePath(library.Folder());
   const StoreCensus census = CompareStore(library);
@@ -130,6 +142,7 @@ void AddStoreVerdicts(Library& library, std::vector<Verdict>& verdicts) {
     orphans.advice = "vdsto store compact";
   }
   verdicts.push_back(orphans);
+  if (!library.Password().empty()) verdicts.push_back(CheckSeals(library, census.keys));
 }
 
 /// Does the way up end at a folder without a parent?

@@ -41,6 +41,7 @@ void AddAlbum(CommandGroup& tool);
 void AddReset(CommandGroup& tool);
 void AddBackup(CommandGroup& tool);
 void AddRestore(CommandGroup& tool);
+void AddPassword(CommandGroup& tool);
 /// `vdsto upload add` and `vdsto upload run`, for the group `upload`.
 void AddUploadAdd(CommandGroup& upload);
 void AddUploadRun(CommandGroup& upload);

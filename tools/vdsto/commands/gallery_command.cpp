@@ -42,14 +42,13 @@ struct MakeGallery {
   ExitCode Run(Invocation& invocation) const {
     if (query.IsEmpty() && tags.words.empty())
       throw ToolError(ExitCode::kUsage, "name photos, or say --find TEXT or --tag TAG");
-    const LibraryOptions options = invocation.AskForLibrary();
-    Library library(options);
+    Library library = invocation.OpenLibraryToRead();
     CStringArray guids = query.IsEmpty() ? AllPhotos(library) : SelectPhotos(library, query);
     if (!tags.words.empty()) guids = WithAllTags(library, guids, SelectTags(library, tags));
     if (guids.IsEmpty()) throw ToolError(ExitCode::kNotFound, "no photos for a gallery");
     GalleryOutput output(target, force);
-    Gallery gallery = ReadGallery(library, options.password, guids);
-    const size_t thumbnails = WriteGallery(gallery, Title(), library.Folder(), output);
+    Gallery gallery = ReadGallery(library, guids);
+    const size_t thumbnails = WriteGallery(gallery, Title(), library, output);
     output.Publish();
     return invocation.Write(Told(gallery, thumbnails));
   }

@@ -34,7 +34,7 @@ struct Import {
   /// The library is made last, when it is sure that there is something to import.
   ExitCode Run(Invocation& invocation) const {
     const ImportRoots roots = CheckImportRoots(folders);
-    const LibraryOptions options = invocation.AskForLibrary();
+    const LibraryOptions options = invocation.AskForNewLibrary();
     InitialiseProbing();
     const ImportLock lock = invocation.LockOutImports();
     const ImportSummary summary = ImportInto(options, lock, roots, invocation.WantsJson());

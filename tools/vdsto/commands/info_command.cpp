@@ -17,9 +17,8 @@ struct Info {
   void Declare(Command& command) { command.Photo(photo); }
 
   ExitCode Run(Invocation& invocation) const {
-    const LibraryOptions options = invocation.AskForLibrary();
-    Library library(options);
-    PhotoTexts texts(library, options.password);
+    Library library = invocation.OpenLibraryToRead();
+    PhotoTexts& texts = library.TextsOfPhotos();
     CataloguePath paths(library);
     const PHOTOINFO info = paths.Photo(photo);
     const Json fields = PhotoAsJson(info, paths.NameOf(info.dwFolderID));

@@ -5,9 +5,11 @@
 #include "tools/vdsto/cli/command.h"
 #include "tools/vdsto/cli/invocation.h"
 #include "tools/vdsto/commands/commands.h"
+#include "tools/vdsto/library/image_key.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/library/store_census.h"
 #include "tools/vdsto/library/store_compaction.h"
+#include "tools/vdsto/library/store_rewriting.h"
 #include "tools/vdsto/selection/catalogue_path.h"
 #include "tools/vdsto/text/text.h"
 
@@ -134,16 +136,30 @@ struct StoreVerify {
   }
 };
 
-/// What the lost images belong to, as far as the catalogue can be opened and knows it.
-void AddLost(const Invocation& invocation, const vdstomgr::RepairReport& report, Facts& facts) {
-  Json lost = Json::array();
+/// The catalogue, as far as it can be opened, says what images belong to and what encrypts them.
+struct Owner {
   std::unique_ptr<Library> library;
-  try {
-    if (!report.lost_keys.empty()) library = std::make_unique<Library>(invocation.AskForLibrary());
-  } catch (const ToolError& error) {
-    facts.ForPeople("Which photos they belong to is not known: " + Printable(error.what()));
+  std::shared_ptr<const ImageSeal> seal;
+  std::string why_unknown;
+
+  explicit Owner(const Invocation& invocation) {
+    try {
+      const LibraryOptions options = invocation.AskForLibrary();
+      library = std::make_unique<Library>(options);
+      seal = SealOf(*library);
+    } catch (const ToolError& error) {
+      library.reset();
+      why_unknown = error.what();
+    }
   }
-  for (const std::string& key : report.lost_keys) {
+};
+
+void AddLost(Library* library, const std::string& why_unknown, const std::vector<std::string>& keys,
+             Facts& facts) {
+  Json lost = Json::array();
+  if (library == nullptr && !keys.empty())
+    facts.ForPeople("Which photos they belong to is not known: " + Printable(why_unknown));
+  for (const std::string& key : keys) {
     const auto photo = library ? PhotoOfImage(*library, key) : std::nullopt;
     const std::string name = photo ? CataloguePath(*library).NameOf(*photo) : std::string();
     lost.push_back({{"key", key}, {"photo", name.empty() ? Json() : Json(name)}});
@@ -152,17 +168,27 @@ void AddLost(const Invocation& invocation, const vdstomgr::RepairReport& report,
   facts.ForPrograms("lost", std::move(lost));
 }
 
-void AddRepair(const Invocation& invocation, const StoreRepair& repair, Facts& facts) {
+void AddRepair(const StoreRepair& repair, Facts& facts) {
   const auto text_or_null = [](const std::string& text) {
     return text.empty() ? Json() : Json(text);
   };
   if (!repair.report.was_sound) AddFaults(repair.report.found, facts);
-  AddLost(invocation, repair.report, facts);
   facts.ForPrograms("kept_index", text_or_null(repair.report.kept_index))
       .ForPrograms("set_aside", text_or_null(repair.set_aside))
       .ForPrograms("findings", repair.report.found.finding_count);
   if (!repair.IsMended()) return;
   for (const std::string& sentence : SentencesOf(repair)) facts.ForPeople(sentence);
+}
+
+/// Images that were exchanged behind the program's back are as lost as damaged ones.
+void AddForged(const Owner& owner, const ImportLock& lock, std::vector<std::string>& lost,
+               Facts& facts) {
+  const auto forged = DropForgedImages(owner.library->Folder(), owner.seal.get(), lock);
+  facts.ForPrograms("forged", forged.size());
+  lost.insert(lost.end(), forged.begin(), forged.end());
+  if (forged.empty()) return;
+  facts.ForPeople("Dropped " + Counted(forged.size(), "thumbnail") +
+                  " that were not what was stored: the next import makes them again.");
 }
 
 struct StoreRepairing {
@@ -176,7 +202,11 @@ struct StoreRepairing {
         .ForPrograms("was_sound", repair.report.was_sound)
         .ForPrograms("images", repair.report.good_records);
     if (was_cut_off) facts.ForPeople("The compaction that had been ended is in order again.");
-    AddRepair(invocation, repair, facts);
+    const Owner owner(invocation);
+    std::vector<std::string> lost = repair.report.lost_keys;
+    if (owner.library && repair.IsMended()) AddForged(owner, lock, lost, facts);
+    AddLost(owner.library.get(), owner.why_unknown, lost, facts);
+    AddRepair(repair, facts);
     invocation.Write(facts);
     if (repair.IsMended()) return ExitCode::kOk;
     throw ToolError(IsInUse(path) ? ExitCode::kCannotOpen : ExitCode::kDamaged,
@@ -193,7 +223,10 @@ struct StoreCompact {
     Library library = invocation.OpenLibrary();
     const CompactionSummary summary = CompactImageStore(library, lock);
     Facts facts;
-    if (!summary.repair.report.was_sound) AddRepair(invocation, summary.repair, facts);
+    if (!summary.repair.report.was_sound) {
+      AddLost(&library, {}, summary.repair.report.lost_keys, facts);
+      AddRepair(summary.repair, facts);
+    }
     facts.ForPrograms("images", summary.images)
         .ForPrograms("dropped", summary.dropped)
         .ForPrograms("dropped_damaged", summary.repair.report.lost_count)

@@ -21,9 +21,8 @@ constexpr int kFinished = 2;
 
 /// A library and its second queue.
 struct SyncQueue {
-  SyncQueue(Invocation& invocation, Use use) : SyncQueue(invocation.AskForLibrary(), use) {}
-  SyncQueue(const LibraryOptions& options, Use use)
-      : library(options, use), file(library, options.password) {}
+  SyncQueue(Invocation& invocation, Use use)
+      : library(invocation.AskForLibrary(), use), file(library) {}
 
   std::vector<Upload> Read() { return ReadSyncUploads(file, 0, INT32_MAX); }
   std::vector<Upload> Select(const PhotoWords& photos) {

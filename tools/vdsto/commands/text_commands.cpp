@@ -49,9 +49,8 @@ struct SetText {
 
   ExitCode Run(Invocation& invocation) const {
     const std::string wanted = NewText(field.noun, text, field.most_characters);
-    const LibraryOptions options = invocation.AskForLibrary();
-    Library library(options, Use::kChanging);
-    PhotoTexts texts(library, options.password);
+    Library library = invocation.OpenLibrary();
+    PhotoTexts& texts = library.TextsOfPhotos();
     const auto text_of = [&](const PHOTOINFO& photo) { return texts.Of(photo.szGUID).*field.text; };
     const auto is_done = [&](const PHOTOINFO& photo) { return text_of(photo) == wanted; };
     const auto replaces = [&](const PHOTOINFO& photo) { return !text_of(photo).empty(); };

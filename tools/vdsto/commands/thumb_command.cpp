@@ -1,10 +1,11 @@
-#include <span>
+#include <vector>
 
 #include "tools/vdsto/cli/command.h"
 #include "tools/vdsto/cli/invocation.h"
 #include "tools/vdsto/cli/output_file.h"
 #include "tools/vdsto/cli/photo_text.h"
 #include "tools/vdsto/commands/commands.h"
+#include "tools/vdsto/library/image_key.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/selection/catalogue_path.h"
 #include "tools/vdsto/text/text.h"
@@ -16,7 +17,7 @@ constexpr const char* kNotes =
     R"(The file appears whole or not at all. It never takes the place of a picture of the catalogue, also of
 one that is away at the moment, nor of a file of the library.)";
 
-CBinData ReadThumbnail(Library& library, const PHOTOINFO& photo) {
+std::vector<uint8_t> ReadThumbnail(const Library& library, const PHOTOINFO& photo) {
   const std::string key = ImageKeyOf(photo.GetLTBURL());
   const std::string name = Printable(photo.GetFileName());
   if (key.empty()) {
@@ -24,8 +25,8 @@ CBinData ReadThumbnail(Library& library, const PHOTOINFO& photo) {
                                              (CanBeShown(photo) ? ": run vdsto import again"
                                                                 : ": the picture is broken"));
   }
-  CBinData image;
-  if (!ReadImage(library.Folder(), key, image)) {
+  std::vector<uint8_t> image;
+  if (!ReadImage(library.Folder(), key, SealOf(library).get(), image)) {
     throw ToolError(ExitCode::kNotFound,
                     "the thumbnail of " + name + " is not in the store: run vdsto import again");
   }
@@ -48,9 +49,7 @@ struct Thumb {
   ExitCode Run(Invocation& invocation) const {
     Library library = invocation.OpenLibraryToRead();
     const PHOTOINFO info = CataloguePath(library).Photo(photo);
-    const CBinData image = ReadThumbnail(library, info);
-    const std::span bytes(static_cast<const uint8_t*>(image.GetData()),
-                          static_cast<size_t>(image.GetLength()));
+    const std::vector<uint8_t> bytes = ReadThumbnail(library, info);
     if (target == "-") return invocation.WriteBytes(bytes);
     const OutputFile output(target);
     output.RequireFree(library, force);

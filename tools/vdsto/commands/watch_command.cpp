@@ -117,7 +117,7 @@ struct Watch {
   /// The folders are watched from before their first import on, so that nothing is missed.
   ExitCode Run(Invocation& invocation) const {
     const ImportRoots roots = CheckImportRoots(folders);
-    const LibraryOptions options = invocation.AskForLibrary();
+    const LibraryOptions options = invocation.AskForNewLibrary();
     CheckLibraryFolder(options.folder, roots);
     InitialiseProbing();
     const InterruptionGuard guard;

@@ -104,12 +104,12 @@ class LentGroups {
 
 }  // namespace
 
-Gallery ReadGallery(Library& library, const std::string& password, const CStringArray& guids) {
+Gallery ReadGallery(Library& library, const CStringArray& guids) {
   Gallery gallery;
   FolderPlaces folders(library, gallery.folders);
   TagPlaces tags(gallery.tags);
   TagsOfPhotos tags_of(library);
-  PhotoTexts texts_of(library, password);
+  PhotoTexts& texts_of = library.TextsOfPhotos();
   for (const CString& guid : guids) {
     const auto photo = library.Photo(guid.Str());
     if (!photo) continue;

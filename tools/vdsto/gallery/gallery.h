@@ -31,7 +31,7 @@ struct Gallery {
 };
 
 /// Reads what shows these photos; those that are gone meanwhile are left out. Throws ToolError.
-Gallery ReadGallery(Library& library, const std::string& password, const CStringArray& guids);
+Gallery ReadGallery(Library& library, const CStringArray& guids);
 
 /// Leaves the photos that carry all of the tags. Throws ToolError.
 CStringArray WithAllTags(Library& library, const CStringArray& guids,

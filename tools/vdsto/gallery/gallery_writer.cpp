@@ -4,6 +4,7 @@
 
 #include <array>
 #include <functional>
+#include <iostream>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,8 +12,10 @@
 
 #include "tools/vdsto/gallery/gallery_data.h"
 #include "tools/vdsto/gallery/page_files.h"
+#include "tools/vdsto/library/image_key.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/picture/picture_decoder.h"
+#include "tools/vdsto/tool_error.h"
 
 namespace vdsto {
 namespace {
@@ -39,37 +42,50 @@ void WriteTurned(std::span<const uint8_t> image, int quarters, const std::string
 /// A library's images, also of a store that cannot be claimed because it cannot be written.
 class ThumbnailSource {
  public:
-  explicit ThumbnailSource(const std::string& library_folder)
-      : folder_(library_folder),
-        store_(library_folder),
-        can_claim_(access(ImageStorePath(library_folder).c_str(), W_OK) == 0),
+  explicit ThumbnailSource(const Library& library)
+      : folder_(library.Folder()),
+        seal_(SealOf(library)),
+        store_(folder_, seal_),
+        can_claim_(access(ImageStorePath(folder_).c_str(), W_OK) == 0),
         is_open_(can_claim_ && store_.Open()) {}
 
-  bool Lend(const std::string& key, const std::function<void(std::span<const uint8_t>)>& use) {
-    if (can_claim_) return is_open_ && store_.Lend(key, use);
-    CBinData image;
-    if (!ReadImage(folder_, key, image)) return false;
-    use({image.GetData(), image.GetLength()});
-    return true;
+  /// False when the thumbnail is not there, and when it is damaged, which is told.
+  bool Lend(const std::string& key, const std::function<void(ImageBytes)>& use) {
+    try {
+      return !key.empty() && Find(key, use);
+    } catch (const ToolError& error) {
+      if (error.Code() != ExitCode::kDamaged) throw;
+      std::cerr << "vdsto: " << error.what() << std::endl;
+      return false;
+    }
   }
 
  private:
+  bool Find(const std::string& key, const std::function<void(ImageBytes)>& use) {
+    if (can_claim_) return is_open_ && store_.Lend(key, use);
+    std::vector<uint8_t> image;
+    if (!ReadImage(folder_, key, seal_.get(), image)) return false;
+    use(image);
+    return true;
+  }
+
   std::string folder_;
+  std::shared_ptr<const ImageSeal> seal_;
   ImageStore store_;
   bool can_claim_;
   bool is_open_;
 };
 
 /// Forgets the keys of thumbnails that are not there.
-size_t WriteThumbnails(Gallery& gallery, const std::string& library_folder, GalleryOutput& output) {
-  ThumbnailSource store(library_folder);
+size_t WriteThumbnails(Gallery& gallery, const Library& library, GalleryOutput& output) {
+  ThumbnailSource store(library);
   size_t written = 0;
   for (size_t i = 0; i < gallery.photos.size(); ++i) {
     GalleryPhoto& photo = gallery.photos[i];
     const auto write = [&](std::span<const uint8_t> image) {
       WriteTurned(image, photo.item.Rotate, ThumbnailPath(i), output);
     };
-    if (!photo.image_key.empty() && store.Lend(photo.image_key, write))
+    if (store.Lend(photo.image_key, write))
       ++written;
     else
       photo.image_key.clear();
@@ -89,9 +105,9 @@ std::string PageText(const EmbeddedFile& file, const std::string& title) {
 
 }  // namespace
 
-size_t WriteGallery(Gallery& gallery, const std::string& title, const std::string& library_folder,
+size_t WriteGallery(Gallery& gallery, const std::string& title, const Library& library,
                     GalleryOutput& output) {
-  const size_t thumbnails = WriteThumbnails(gallery, library_folder, output);
+  const size_t thumbnails = WriteThumbnails(gallery, library, output);
   output.Write("data/index.js", IndexScript(gallery, title));
   for (size_t chunk = 0; chunk * kPhotosPerChunk < gallery.photos.size(); ++chunk)
     output.Write("data/" + std::to_string(chunk) + ".js", ChunkScript(gallery, chunk));

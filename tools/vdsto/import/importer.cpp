@@ -23,6 +23,7 @@
 #include "tools/vdsto/import/progress.h"
 #include "tools/vdsto/import/sidecars.h"
 #include "tools/vdsto/import/source_walk.h"
+#include "tools/vdsto/library/image_key.h"
 #include "tools/vdsto/library/image_store.h"
 #include "tools/vdsto/library/trash_bin.h"
 #include "tools/vdsto/picture/picture_probe.h"
@@ -77,7 +78,7 @@ class Import {
   Import(Library& library, const ImportRoots& roots, bool quiet)
       : library_(library),
         roots_(roots),
-        images_(library.Folder()),
+        images_(library.Folder(), SealOf(library)),
         mirror_(library),
         places_(library.FactsOfPhotos().Places(), Walked(roots)),
         known_(library, places_),

@@ -4,9 +4,9 @@
 
 namespace vdsto {
 
-CatalogueFile::CatalogueFile(const Library& library, const std::string& password) {
+CatalogueFile::CatalogueFile(const Library& library) {
   try {
-    OpenUnderPassword(database_, library.CataloguePath(), password);
+    OpenUnderPassword(database_, library.CataloguePath(), library.Password());
   } catch (const CDaoException& error) {
     throw ToolError(ExitCode::kCannotOpen, error.what());
   }

@@ -10,8 +10,8 @@ namespace vdsto {
 /// operations do not tell. To be read only.
 class CatalogueFile {
  public:
-  /// Of a library that is open already with this password. Throws ToolError.
-  CatalogueFile(const Library& library, const std::string& password);
+  /// Throws ToolError.
+  explicit CatalogueFile(const Library& library);
 
   /// Gives `read` the rows of a query, which it is to walk. Throws ToolError.
   template <class Read>

@@ -1,11 +1,13 @@
 #include "tools/vdsto/library/database_password.h"
 
+#include <fstream>
+#include <string_view>
+
 #include "tools/vdsto/text/text.h"
 
 namespace vdsto {
 namespace {
 
-constexpr int kWrongPassword = 3031;
 constexpr int kNotAccessible = 3051;
 constexpr size_t kPasswordPlaces = 20;
 
@@ -27,8 +29,8 @@ std::string Cut(const std::string& password, size_t (*places_of)(char32_t)) {
   return FirstCharacters(password, characters);
 }
 
-void OpenWith(CDaoDatabase& database, const std::string& path, const std::string& password,
-              bool to_write) {
+std::string OpenWith(CDaoDatabase& database, const std::string& path, std::string password,
+                     bool to_write) {
   const std::string connect = ";PWD=" + password;
   try {
     database.Open(path.c_str(), false, !to_write, connect.c_str());
@@ -36,21 +38,30 @@ void OpenWith(CDaoDatabase& database, const std::string& path, const std::string
     if (!to_write || error.Code() != kNotAccessible) throw;
     database.Open(path.c_str(), false, true, connect.c_str());
   }
+  return password;
 }
 
 }  // namespace
+
+bool IsPlainDatabase(const std::string& path) {
+  constexpr std::string_view kMagic("SQLite format 3\0", 16);
+  std::string start(kMagic.size(), '\0');
+  std::ifstream file(path, std::ios::binary);
+  return file.read(start.data(), static_cast<std::streamsize>(start.size())) && start == kMagic;
+}
 
 std::string CountingPassword(const std::string& password) {
   return Cut(password, &KoreanPlaces);
 }
 
-void OpenUnderPassword(CDaoDatabase& database, const std::string& path, const std::string& password,
-                       bool to_write) {
+std::string OpenUnderPassword(CDaoDatabase& database, const std::string& path,
+                              const std::string& password, bool to_write) {
   try {
-    OpenWith(database, path, CountingPassword(password), to_write);
+    return OpenWith(database, path, CountingPassword(password), to_write);
   } catch (const CDaoException& error) {
-    if (error.Code() != kWrongPassword) throw;
-    OpenWith(database, path, Cut(password, &Bytes), to_write);  // of a file made when bytes counted
+    if (error.Code() != kWrongDatabasePassword) throw;
+    // of a file made when bytes counted
+    return OpenWith(database, path, Cut(password, &Bytes), to_write);
   }
 }
 

@@ -14,7 +14,6 @@ namespace vdsto {
 namespace {
 
 constexpr int kVersion = 3;
-constexpr int kWrongPassword = 3031;
 constexpr int kDamaged = 3049;
 constexpr int kNoDatabase = 3343;
 constexpr size_t kGuidsPerQuery = 500;
@@ -152,7 +151,8 @@ void InPieces(std::span<const std::string> guids, Use use) {
 }
 
 bool CannotBeUsed(const CDaoException& error) {
-  return error.Code() == kDamaged || error.Code() == kNoDatabase || error.Code() == kWrongPassword;
+  return error.Code() == kDamaged || error.Code() == kNoDatabase ||
+         error.Code() == kWrongDatabasePassword;
 }
 
 }  // namespace
@@ -164,6 +164,18 @@ void FactsDatabase::Read(Operation operation) {
     if (IsReadable()) operation();
   } catch (const CDaoException&) {
   }
+}
+
+template <class Use>
+void FactsDatabase::ForEachRow(const char* query, Use use) {
+  Read([&] {
+    CDaoRecordset rows(&database_);
+    rows.Open(dbOpenDynaset, query);
+    for (; !rows.IsEOF(); rows.MoveNext()) {
+      Columns columns(rows);
+      use(columns);
+    }
+  });
 }
 
 template <class Operation>
@@ -272,17 +284,12 @@ std::unordered_map<std::string, PhotoFacts> FactsDatabase::Of(
 }
 
 void FactsDatabase::ForEachFile(const std::function<void(const PhotoFacts&)>& use) {
-  Read([&] {
-    CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kSelectFiles);
-    for (; !rows.IsEOF(); rows.MoveNext()) {
-      Columns columns(rows);
-      PhotoFacts facts;
-      ReadFile(columns, facts);
-      ReadWhereabouts(columns, facts);
-      facts.sidecar = StampFromText(columns.Text());
-      use(facts);
-    }
+  ForEachRow(kSelectFiles, [&](Columns& columns) {
+    PhotoFacts facts;
+    ReadFile(columns, facts);
+    ReadWhereabouts(columns, facts);
+    facts.sidecar = StampFromText(columns.Text());
+    use(facts);
   });
 }
 
@@ -304,16 +311,11 @@ std::vector<PhotoFacts> FactsDatabase::NotGood() {
 
 std::vector<ImportPlace> FactsDatabase::Places() {
   std::vector<ImportPlace> places;
-  Read([&] {
-    CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, "SELECT nPlace, szPath, szDevice FROM ImportPlaces");
-    for (; !rows.IsEOF(); rows.MoveNext()) {
-      Columns columns(rows);
-      ImportPlace& place = places.emplace_back();
-      place.id = columns.Half();
-      place.path = columns.Path();
-      place.device = columns.Text();
-    }
+  ForEachRow("SELECT nPlace, szPath, szDevice FROM ImportPlaces", [&](Columns& columns) {
+    ImportPlace& place = places.emplace_back();
+    place.id = columns.Half();
+    place.path = columns.Path();
+    place.device = columns.Text();
   });
   return places;
 }
@@ -349,15 +351,10 @@ void FactsDatabase::SetGone(const std::vector<std::string>& guids, int32_t since
 
 std::vector<UnreadableFile> FactsDatabase::Unreadable() {
   std::vector<UnreadableFile> files;
-  Read([&] {
-    CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, "SELECT szPath, szReason FROM UnreadableFiles");
-    for (; !rows.IsEOF(); rows.MoveNext()) {
-      Columns columns(rows);
-      UnreadableFile& file = files.emplace_back();
-      file.path = columns.Path();
-      file.reason = columns.Text();
-    }
+  ForEachRow("SELECT szPath, szReason FROM UnreadableFiles", [&](Columns& columns) {
+    UnreadableFile& file = files.emplace_back();
+    file.path = columns.Path();
+    file.reason = columns.Text();
   });
   return files;
 }

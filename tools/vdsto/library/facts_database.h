@@ -57,6 +57,8 @@ class FactsDatabase {
   void Select(const std::string& condition, const std::function<void(const PhotoFacts&)>& use);
   template <class Operation>
   void Read(Operation operation);
+  template <class Use>
+  void ForEachRow(const char* query, Use use);
   template <class Operation>
   void InOneCommit(Operation operation);
   template <class Operation>

@@ -30,7 +30,7 @@ constexpr std::chrono::milliseconds kPause{50};
 bool Exists(const std::string& path) {
   std::error_code error;
   const bool exists = std::filesystem::exists(path, error);
-  if (error) throw ToolError(ExitCode::kCannotOpen, path + ": " + error.message());
+  if (error) ThrowSystemError(path, error);
   return exists;
 }
 
@@ -46,7 +46,7 @@ std::string WhyNotOpened(const std::string& path, int access_mode) {
 void Rename(const std::string& from, const std::string& to) {
   std::error_code error;
   std::filesystem::rename(from, to, error);
-  if (error) throw ToolError(ExitCode::kCannotOpen, Printable(to) + ": " + error.message());
+  if (error) ThrowSystemError(to, error);
 }
 
 /// Without its data file there may still be the pieces of a compaction that was killed.
@@ -62,6 +62,21 @@ bool IsWhole(const std::string& path) {
                   Printable(path) +
                       " is still in the pieces of a compaction that was ended: the "
                       "next import or vdsto store repair puts them together");
+}
+
+/// What was stored; the bytes themselves where nothing is encrypted.
+std::vector<uint8_t> Opened(const ImageSeal* seal, const std::string& key, ImageBytes stored) {
+  if (seal == nullptr && !IsSealed(stored)) return {stored.begin(), stored.end()};
+  auto image = seal == nullptr ? std::nullopt : seal->Open(key, stored);
+  if (image) return std::move(*image);
+  throw ToolError(ExitCode::kDamaged,
+                  "the thumbnail " + Printable(key) +
+                      " is not what was stored: vdsto store repair drops it, and the next import "
+                      "makes it again");
+}
+
+ImageBytes BytesOf(const CBinData& data) {
+  return {static_cast<const uint8_t*>(data.GetData()), static_cast<size_t>(data.GetLength())};
 }
 
 }  // namespace
@@ -137,10 +152,13 @@ void OpenPatiently(const std::string& path, const std::function<bool()>& open) {
   }
 }
 
-bool ReadImage(const std::string& library_folder, const std::string& key, CBinData& image) {
+bool ReadImage(const std::string& library_folder, const std::string& key, const ImageSeal* seal,
+               std::vector<uint8_t>& image) {
   const std::string path = ImageStorePath(library_folder);
   if (!IsImageStoreThere(library_folder)) return false;
-  const auto answer = vdstomgr::ReadStorage(path.c_str(), key.c_str(), image);
+  CBinData stored;
+  const auto answer = vdstomgr::ReadStorage(path.c_str(), key.c_str(), stored);
+  if (answer == vdstomgr::StorageLookup::Found) image = Opened(seal, key, BytesOf(stored));
   if (answer != vdstomgr::StorageLookup::Unreadable) {
     return answer == vdstomgr::StorageLookup::Found;
   }
@@ -184,12 +202,14 @@ bool ImageStore::Lend(const std::string& key,
     ~Loan() { CRkPhotoImageStorage::Free_Image(handle); }
   } loan{storage_.Lock_Image(key.c_str(), image)};
   if (image.GetLength() == 0) return false;
-  use({static_cast<const uint8_t*>(image.GetData()), static_cast<size_t>(image.GetLength())});
+  use(Opened(seal_.get(), key, BytesOf(image)));
   return true;
 }
 
 void ImageStore::Put(const std::string& key, std::span<const uint8_t> image) {
   if (!is_open_ && !Open()) Create(), Open();
+  std::vector<uint8_t> sealed;
+  if (seal_) image = sealed = seal_->Seal(key, image);
   if (!storage_.SetImage(key.c_str(), image.data(), static_cast<int>(image.size()))) {
     throw ToolError(ExitCode::kCatalogue,
                     Printable(path_) + " takes no more images" + SystemReason());

@@ -1,10 +1,13 @@
 #pragma once
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <span>
 #include <string>
+#include <utility>
 
+#include "tools/vdsto/library/image_seal.h"
 #include "vdstomgr/vdstomgr.h"
 
 namespace vdsto {
@@ -33,9 +36,11 @@ std::string ImageLocation(const std::string& key);
 /// The inverse of ImageLocation; empty for a text that names no image of the store.
 std::string ImageKeyOf(const std::string& location);
 
-/// Copies an image out of a library's store, also while an import writes to it. False when there is
-/// no such image or no store. Throws ToolError when the store cannot be read.
-bool ReadImage(const std::string& library_folder, const std::string& key, CBinData& image);
+/// Copies an image out of a library's store, also while an import writes to it; `seal` is what
+/// encrypts the library's images, if anything. False when there is no such image or no store.
+/// Throws ToolError when the store cannot be read, and when the image is not what was stored.
+bool ReadImage(const std::string& library_folder, const std::string& key, const ImageSeal* seal,
+               std::vector<uint8_t>& image);
 
 /// Calls `open`, which must leave nothing open when it fails, and waits a little while another
 /// process has the store at `path`. Throws ToolError, which says why, when that does not help.
@@ -45,7 +50,10 @@ void OpenPatiently(const std::string& path, const std::function<bool()>& open);
 /// or the first Put until its end. One thread calls it; others may ask Has meanwhile.
 class ImageStore {
  public:
-  explicit ImageStore(const std::string& library_folder) : path_(ImageStorePath(library_folder)) {}
+  /// Images are encrypted by `seal`, which may be null. What only removes images needs none.
+  explicit ImageStore(const std::string& library_folder,
+                      std::shared_ptr<const ImageSeal> seal = nullptr)
+      : path_(ImageStorePath(library_folder)), seal_(std::move(seal)) {}
   ImageStore(const ImageStore&) = delete;
   ImageStore& operator=(const ImageStore&) = delete;
 
@@ -53,7 +61,8 @@ class ImageStore {
   /// the ImportLock calls PrepareImageStore before.
   bool Open();
   bool Has(const std::string& key);
-  /// Shows an image to `use` as it lies in the store; false when there is none.
+  /// Shows an image to `use`; false when there is none. Throws ToolError when it is not what was
+  /// stored.
   bool Lend(const std::string& key, const std::function<void(std::span<const uint8_t>)>& use);
   /// Stores or replaces an image; makes the store when there is none. Throws ToolError; an older
   /// image is still there then.
@@ -66,6 +75,7 @@ class ImageStore {
   void Create() const;
 
   std::string path_;
+  std::shared_ptr<const ImageSeal> seal_;
   bool is_open_ = false;
   bool has_news_ = false;
   std::mutex mutex_;              // guards the exchange of what follows

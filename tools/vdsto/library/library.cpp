@@ -6,6 +6,7 @@
 #include <optional>
 #include <system_error>
 
+#include "tools/vdsto/library/database_password.h"
 #include "tools/vdsto/library/finished_file.h"
 #include "tools/vdsto/library/import_lock.h"
 #include "tools/vdsto/library/photo_texts.h"
@@ -20,11 +21,12 @@ constexpr const char* kCatalogueName = "catalogue.vdb";
 constexpr const char* kSearchName = "search.vdb";
 constexpr const char* kFactsName = "facts.vdb";
 constexpr const char* kUnfinishedName = "catalogue.vdb.new";
-constexpr int kWrongPassword = 3031;
 /// The file or its folder cannot be written, or not be opened at all.
 constexpr std::array kRefusals{3027, 3051};
 /// The file is damaged, or what is there is no database.
 constexpr std::array kDamage{3049, 3343};
+constexpr const char* kNeedsPassword =
+    " has a password: say --password to be asked for it, or --password-file FILE";
 /// Null keys and fields, too long texts, too large numbers, texts that are no numbers.
 constexpr std::array kValueErrors{3058, 3163, 3314, 3349, 3421};
 
@@ -51,7 +53,7 @@ void Report(int code, std::string message) {
   const bool is_damage = std::find(kDamage.begin(), kDamage.end(), error.code) != kDamage.end();
   const char* advice =
       is_damage ? " (vdsto check says what is left, vdsto restore brings back a backup)" : "";
-  throw ToolError(error.code == kWrongPassword ? ExitCode::kWrongPassword : otherwise,
+  throw ToolError(error.code == kWrongDatabasePassword ? ExitCode::kWrongPassword : otherwise,
                   error.message + advice, concerns_value);
 }
 
@@ -71,14 +73,14 @@ void CreateCatalogue(const std::string& folder, const std::string& password) {
   try {
     PublishFile(unfinished, path);
   } catch (const std::system_error& error) {
-    throw ToolError(ExitCode::kCannotOpen, path + ": " + error.code().message());
+    ThrowSystemError(path, error.code());
   }
 }
 
 bool Exists(const std::string& path) {
   std::error_code error;
   const bool exists = std::filesystem::exists(path, error);
-  if (error) throw ToolError(ExitCode::kCannotOpen, path + ": " + error.message());
+  if (error) ThrowSystemError(path, error);
   return exists;
 }
 
@@ -131,6 +133,8 @@ Library::~Library() {
 void Library::Open(const std::string& password, Use use) {
   reported.reset();
   if (!catalogue_.OpenDB(path_.c_str(), password.c_str())) {
+    if (password.empty() && reported && reported->code == kWrongDatabasePassword)
+      throw ToolError(ExitCode::kWrongPassword, folder_ + kNeedsPassword);
     if (!WasRefused()) ThrowReported(ExitCode::kCannotOpen, path_ + " cannot be opened");
     reported.reset();
     is_read_only_ = vdstomgr::OpenForReading(catalogue_, path_.c_str(), password.c_str());
@@ -169,7 +173,7 @@ vdstomgr::FolderArray Library::AllFolders() {
 }
 
 PhotoTexts& Library::TextsOfPhotos() {
-  if (!texts_) texts_ = std::make_unique<PhotoTexts>(*this, password_);
+  if (!texts_) texts_ = std::make_unique<PhotoTexts>(*this);
   return *texts_;
 }
 

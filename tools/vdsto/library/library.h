@@ -83,6 +83,8 @@ class Library {
   PhotoTexts& TextsOfPhotos();
 
   const std::string& CataloguePath() const { return path_; }
+  /// The password that it was opened with; empty: it has none.
+  const std::string& Password() const { return password_; }
   const std::string& Folder() const { return folder_; }
 
  private:

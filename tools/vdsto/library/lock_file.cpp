@@ -13,19 +13,11 @@
 #include "tools/vdsto/tool_error.h"
 
 namespace vdsto {
-namespace {
-
-[[noreturn]] void ThrowErrno(const std::string& path, int error) {
-  throw ToolError(ExitCode::kCannotOpen, path + ": " + std::generic_category().message(error));
-}
-
-}  // namespace
-
 LockFile::LockFile(const std::string& library_folder, const std::string& name)
     : path_(Joined(library_folder, name)) {
   std::error_code error;
   std::filesystem::create_directories(library_folder, error);
-  if (error) throw ToolError(ExitCode::kCannotOpen, library_folder + ": " + error.message());
+  if (error) ThrowSystemError(library_folder, error);
   descriptor_ = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
   if (descriptor_ < 0 && (errno == EACCES || errno == EROFS))
     throw ToolError(ExitCode::kCannotOpen, ReadOnlyText(library_folder));

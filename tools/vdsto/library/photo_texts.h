@@ -13,8 +13,8 @@ class PhotoTexts {
     std::string description;
   };
 
-  /// Of a library that is open already with this password. Throws ToolError.
-  PhotoTexts(const Library& library, const std::string& password) : file_(library, password) {}
+  /// Throws ToolError.
+  explicit PhotoTexts(const Library& library) : file_(library) {}
 
   /// Empty when there is no such photo. Throws ToolError.
   Texts Of(const std::string& guid);

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "tools/vdsto/library/database_password.h"
 #include "tools/vdsto/text/source_location.h"
 
 namespace vdsto {
@@ -25,10 +26,16 @@ SearchCopy::~SearchCopy() {
   if (is_open_) database_.CloseDB();
 }
 
-/// An empty file is what a killed program leaves of a new one.
-bool SearchCopy::Open() {
+/// An empty file, or one that has not got its password yet, is what a killed program leaves of a
+/// new one.
+bool SearchCopy::IsBegunOnly() const {
   std::error_code error;
-  if (!is_open_ && std::filesystem::file_size(path_, error) > 0 && !error)
+  return std::filesystem::file_size(path_, error) == 0 || error ||
+         (!password_.empty() && IsPlainDatabase(path_));
+}
+
+bool SearchCopy::Open() {
+  if (!is_open_ && !IsBegunOnly())
     is_open_ = is_read_only_ ? vdstomgr::OpenForReading(database_, path_.c_str(), password_.c_str())
                              : database_.OpenDB(path_.c_str(), password_.c_str());
   return is_open_;

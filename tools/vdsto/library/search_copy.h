@@ -35,6 +35,7 @@ class SearchCopy {
   void FoldersChanged();
 
  private:
+  bool IsBegunOnly() const;
   bool Open();
   bool IsCurrent();
   bool AddAllPhotos();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "tools/vdsto/library/image_store.h"
 
@@ -64,6 +65,7 @@ StoreCensus CompareStore(Library& library) {
   census.orphans = Without(stored, named).size();
   for (const std::string& key : Missing(path, named, stored))
     census.without_image.push_back(key.substr(0, kGuidLength));
+  census.keys = std::move(stored);
   return census;
 }
 

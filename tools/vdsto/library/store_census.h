@@ -10,6 +10,7 @@ namespace vdsto {
 /// The image store beside the rows of the catalogue.
 struct StoreCensus {
   vdstomgr::StorageReport report;
+  std::vector<std::string> keys;           ///< of the images, in order
   uint64_t orphans = 0;                    ///< images that no photo names
   std::vector<std::string> without_image;  ///< GUIDs of photos whose image is not in the store
 };

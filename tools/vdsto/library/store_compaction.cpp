@@ -17,17 +17,6 @@ constexpr uint64_t kMargin = 2 * (uint64_t{4} << 20);
 
 constexpr uint64_t kClusterBytes = 62;
 
-/// A compaction writes the images that stay a second time before it deletes the old files.
-void RequireRoom(const std::string& path, uint64_t image_bytes, int images) {
-  const uint64_t needed = image_bytes + static_cast<uint64_t>(images) * kClusterBytes + kMargin;
-  std::error_code error;
-  const auto space = std::filesystem::space(ParentOf(path), error);
-  if (error || space.available >= needed) return;
-  throw ToolError(ExitCode::kRefused,
-                  Printable(path) + " needs " + HumanSize(needed) + " beside it to be compacted, " +
-                      HumanSize(space.available) + " are free: make room first");
-}
-
 uint64_t LengthAt(CRkStorageManager& storage, int position) {
   int length = 0;
   storage.GetBuffer(position, length);
@@ -50,13 +39,24 @@ uint64_t DropUnnamed(Library& library, CRkStorageManager& storage, CompactionSum
   return bytes;
 }
 
+}  // namespace
+
+/// A compaction writes the images that stay a second time before it deletes the old files.
+void RequireRoom(const std::string& path, uint64_t image_bytes, int images) {
+  const uint64_t needed = image_bytes + static_cast<uint64_t>(images) * kClusterBytes + kMargin;
+  std::error_code error;
+  const auto space = std::filesystem::space(ParentOf(path), error);
+  if (error || space.available >= needed) return;
+  throw ToolError(ExitCode::kRefused,
+                  Printable(path) + " needs " + HumanSize(needed) + " beside it to be compacted, " +
+                      HumanSize(space.available) + " are free: make room first");
+}
+
 void DeleteOldPair(const std::string& path) {
   std::error_code ignored;
   std::filesystem::remove(path + ".bak", ignored);
   std::filesystem::remove(ImageIndexPath(path) + ".bak", ignored);
 }
-
-}  // namespace
 
 void OpenStorage(const std::string& path, CRkStorageManager& storage) {
   OpenPatiently(path, [&] {

@@ -20,6 +20,12 @@ struct CompactionSummary {
 /// in use, and leaves every other image in place when the disk has no room for what stays.
 CompactionSummary CompactImageStore(Library& library, const ImportLock& lock);
 
+/// Throws ToolError unless the disk has room for a second store of so many bytes and images.
+void RequireRoom(const std::string& path, uint64_t image_bytes, int images);
+
+/// Deletes what a compaction leaves of the files that it replaced.
+void DeleteOldPair(const std::string& path);
+
 /// Opens a store as its only user, waiting a little. Throws ToolError.
 void OpenStorage(const std::string& path, CRkStorageManager& storage);
 
