@@ -3,14 +3,17 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <exiv2/exiv2.hpp>
 #include <memory>
 #include <span>
 #include <system_error>
 
 #include "test_support.h"
+#include "tools/vdsto/picture/decoding_memory.h"
 #include "tools/vdsto/picture/picture_date.h"
 #include "tools/vdsto/picture/picture_metadata.h"
 #include "tools/vdsto/picture/picture_probe.h"
+#include "tools/vdsto/picture/tiff_layout.h"
 
 namespace vdsto {
 namespace {
@@ -95,6 +98,56 @@ TEST_F(ProbeTest, ReadsCameraData) {
   EXPECT_EQ(std::tuple(exif.focal_length, exif.focal_length_35, exif.iso), std::tuple(36, 52, 200));
   EXPECT_EQ(std::tuple(exif.orientation, exif.metering_mode, exif.flash), std::tuple(6, 5, 16));
   EXPECT_EQ(exif.shot, "2004-06-29 15:29:33");
+}
+
+/// One colour in a form whose coefficients are all held, as a hostile file would have it.
+TEST_F(ProbeTest, WhatWouldTakeFarTooMuchMemoryIsShownByItsSmallPicture) {
+  const std::string path = folder_ / "a.jpg";
+  VipsImage* black = nullptr;
+  ASSERT_EQ(vips_black(&black, 9000, 9000, "bands", 3, nullptr), 0);
+  ASSERT_EQ(vips_image_write_to_file(Picture(black).get(), (path + "[interlace]").c_str(), nullptr),
+            0);
+  const PictureFacts facts = ProbePicture(path);
+  EXPECT_EQ(std::tuple(facts.state, facts.width), std::tuple(PictureState::kBroken, 9000u));
+  EXPECT_NE(facts.problem.find("338 MB of memory"), std::string::npos) << facts.problem;
+  EXPECT_TRUE(facts.thumbnail.empty());
+
+  WritePicture(folder_ / "small.jpg", 160, 120);
+  const auto image = Exiv2::ImageFactory::open(path);
+  image->readMetadata();
+  Exiv2::ExifThumb(image->exifData()).setJpegThumbnail(folder_ / "small.jpg");
+  image->writeMetadata();
+  const PictureFacts shown = ProbePicture(path);
+  EXPECT_EQ(std::tuple(shown.state, shown.width), std::tuple(PictureState::kDamaged, 9000u));
+  EXPECT_EQ(SizeOf(Decoded(shown.thumbnail)), std::tuple(160, 120));
+
+  const uint64_t mib = 1 << 20;
+  EXPECT_EQ(MostDecodingMemory(0), 192 * mib);
+  EXPECT_EQ(MostDecodingMemory(mib), 400 * mib);
+  EXPECT_EQ(MostDecodingMemory(UINT64_MAX), 1536 * mib);
+}
+
+TEST_F(ProbeTest, TiffFilesTellHowTheyAreCut) {
+  const std::string path = folder_ / "a.tif";
+  WritePicture(folder_ / "b.tif", 300, 300);
+  const Picture picture(vips_image_new_from_file((folder_ / "b.tif").c_str(), nullptr));
+  const std::tuple<const char*, uint64_t, uint64_t> forms[] = {
+      {"[tile-height=40]", 0, 40},
+      {"[tile,tile-width=64,tile-height=128]", 128, 0},
+      {"[bigtiff,tile,tile-width=64,tile-height=256]", 256, 0}};
+  for (const auto& [options, tile_height, strip_height] : forms) {
+    ASSERT_EQ(vips_image_write_to_file(picture.get(), (path + options).c_str(), nullptr), 0);
+    const std::string file = ReadFile(path);
+    for (const PictureData& data : {PictureData{std::as_bytes(std::span(file)), {}},
+                                    PictureData{{}, path}, PictureData{{}, folder_ / "none"}}) {
+      const TiffLayout layout = ReadTiffLayout(data);
+      const bool is_there = data.InMemory() || data.path == path;
+      EXPECT_EQ(layout.tile_height, is_there ? tile_height : 0) << options;
+      EXPECT_EQ(layout.strip_height, is_there ? strip_height : 0) << options;
+    }
+    for (size_t size = 1; size < file.size(); size += 1 + size / 8)
+      ReadTiffLayout({std::as_bytes(std::span(file)).first(size), {}});
+  }
 }
 
 /// "TL" to "BR": the corner where the picture is bright.

@@ -14,12 +14,12 @@ namespace vdsto {
 namespace {
 
 constexpr std::array kGroups{
-    &AddImport, &AddTree,     &AddList,     &AddInfo,    &AddMissing,    &AddProblems,
-    &AddFind,   &AddTagged,   &AddThumb,    &AddGallery, &AddRate,       &AddTag,
-    &AddTitle,  &AddDescribe, &AddRotate,   &AddFlag,    &AddCamera,     &AddTrash,
-    &AddUpload, &AddSync,     &AddSyncList, &AddNotify,  &AddMakeFolder, &AddMove,
-    &AddFolder, &AddRoom,     &AddAlbum,    &AddStat,    &AddStore,      &AddCheck,
-    &AddSql,    &AddReindex,  &AddReset,    &AddBackup,  &AddRestore,    &AddPassword};
+    &AddImport,   &AddWatch,   &AddTree,       &AddList,    &AddInfo,    &AddMissing, &AddProblems,
+    &AddFind,     &AddTagged,  &AddThumb,      &AddGallery, &AddRate,    &AddTag,     &AddTitle,
+    &AddDescribe, &AddRotate,  &AddFlag,       &AddCamera,  &AddTrash,   &AddUpload,  &AddSync,
+    &AddSyncList, &AddNotify,  &AddMakeFolder, &AddMove,    &AddFolder,  &AddRoom,    &AddAlbum,
+    &AddStat,     &AddStore,   &AddCheck,      &AddSql,     &AddReindex, &AddReset,   &AddBackup,
+    &AddRestore,  &AddPassword};
 
 constexpr const char* kExitCodes = R"(Exit codes:
   0    done; broken pictures are kept and named, and are no failure

@@ -73,5 +73,7 @@ class Table {
 
 /// JSON text in UTF-8; bytes that are none are replaced.
 std::string JsonText(const Json& json);
+/// The same on one line.
+std::string JsonLine(const Json& json);
 
 }  // namespace vdsto

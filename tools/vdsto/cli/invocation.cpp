@@ -2,6 +2,7 @@
 
 #include <iostream>
 
+#include "tools/vdsto/import/interruption.h"
 #include "tools/vdsto/library/finished_file.h"
 
 namespace vdsto {
@@ -24,12 +25,17 @@ ImportLock Invocation::LockOutImports() const {
   return ImportLock(LibraryFolder(), [told = false]() mutable {
     if (!told) std::cerr << "waiting for an import into this library" << std::endl;
     told = true;
+    if (IsInterrupted()) throw ToolError(ExitCode::kInterrupted, "interrupted");
   });
 }
 
 ExitCode Invocation::Write(const Answer& answer) {
   out_ << (WantsJson() ? JsonText(answer.json) : answer.text);
   return ExitCode::kOk;
+}
+
+void Invocation::WriteNow(const Answer& answer) {
+  out_ << (WantsJson() ? JsonLine(answer.json) : answer.text) << std::flush;
 }
 
 ExitCode Invocation::WriteBytes(std::span<const uint8_t> bytes) {

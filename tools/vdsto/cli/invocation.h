@@ -38,12 +38,14 @@ class Invocation {
   /// The same to read it only.
   Library OpenLibraryToRead() const { return Library(AskForLibrary(), Use::kReading); }
   /// Waits, and says so, until no import works on the library, and keeps others out as long as the
-  /// lock lives. Makes the library's folder.
+  /// lock lives. Makes the library's folder. Throws ToolError when the user asks to stop meanwhile.
   ImportLock LockOutImports() const;
 
   bool WantsJson() const { return options_.json; }
   /// Writes the answer in the form that the user wants; kOk, for the command to return.
   ExitCode Write(const Answer& answer);
+  /// Writes one of many answers at once, for programs on a line.
+  void WriteNow(const Answer& answer);
   /// Writes an answer that is no text.
   ExitCode WriteBytes(std::span<const uint8_t> bytes);
 

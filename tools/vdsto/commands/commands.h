@@ -6,6 +6,7 @@ namespace vdsto {
 class CommandGroup;
 
 void AddImport(CommandGroup& tool);
+void AddWatch(CommandGroup& tool);
 void AddReindex(CommandGroup& tool);
 void AddTagged(CommandGroup& tool);
 void AddTree(CommandGroup& tool);

@@ -1,13 +1,7 @@
-#include <cstdio>
-#include <iostream>
-
 #include "tools/vdsto/cli/command.h"
+#include "tools/vdsto/cli/import_round.h"
 #include "tools/vdsto/cli/invocation.h"
 #include "tools/vdsto/commands/commands.h"
-#include "tools/vdsto/import/importer.h"
-#include "tools/vdsto/library/image_key.h"
-#include "tools/vdsto/library/password_change.h"
-#include "tools/vdsto/library/store_repair.h"
 #include "tools/vdsto/picture/picture_probe.h"
 #include "tools/vdsto/text/text.h"
 
@@ -25,72 +19,9 @@ folders cannot be read, the others are imported and the exit code is 9; 11 says 
 or stored. An XMP file beside a picture (a.jpg.xmp, a.xmp) is read with it. Dates, places, ratings, titles,
 descriptions and keywords, as tags, are taken over; what you change in the catalogue stays yours.)";
 
-void AddRemarks(const std::string& key, const std::vector<Remark>& remarks,
-                const std::string& title, Facts& facts) {
-  Json list = Json::array();
-  if (!remarks.empty()) facts.ForPeople(title + " (" + std::to_string(remarks.size()) + "):");
-  for (const Remark& remark : remarks) {
-    facts.ForPeople("  " + Printable(remark.path) + ": " + Printable(remark.reason));
-    list.push_back({{"path", remark.path}, {"reason", remark.reason}});
-  }
-  facts.ForPrograms(key, std::move(list));
-}
-
-std::string Sentence(const ImportSummary& summary) {
-  char seconds[32];
-  std::snprintf(seconds, sizeof seconds, "%.1f s", summary.seconds);
-  return (summary.interrupted ? "Interrupted: " : "") + Counted(summary.Pictures(), "picture") +
-         " in " + seconds + ": " + std::to_string(summary.added) + " added, " +
-         std::to_string(summary.updated) + " updated, " +
-         (summary.moved > 0 ? std::to_string(summary.moved) + " moved, " : "") +
-         std::to_string(summary.unchanged) + " unchanged" +
-         (summary.in_trash > 0 ? ", " + std::to_string(summary.in_trash) + " in the trash" : "") +
-         "; " + Counted(summary.folders_created, "new folder") + "; " +
-         Counted(summary.not_pictures, "other file") +
-         (summary.special > 0 ? ", " + std::to_string(summary.special) + " devices or pipes" : "") +
-         " and " + std::to_string(summary.hidden) + " hidden skipped";
-}
-
-std::string GoneSentence(const ImportSummary& summary) {
-  if (summary.gone == 0) return {};
-  return "\n" + Counted(summary.gone, "photo") + (summary.gone == 1 ? " is" : " are") +
-         " no longer on disk (vdsto missing lists them)";
-}
-
-Facts Describe(const ImportSummary& summary) {
-  Facts facts;
-  facts.ForPrograms("added", summary.added)
-      .ForPrograms("updated", summary.updated)
-      .ForPrograms("moved", summary.moved)
-      .ForPrograms("unchanged", summary.unchanged)
-      .ForPrograms("gone", summary.gone)
-      .ForPrograms("newly_gone", summary.newly_gone)
-      .ForPrograms("in_trash", summary.in_trash)
-      .ForPrograms("folders_created", summary.folders_created)
-      .ForPrograms("not_pictures", summary.not_pictures)
-      .ForPrograms("special", summary.special)
-      .ForPrograms("sidecars", summary.sidecars)
-      .ForPrograms("hidden", summary.hidden);
-  AddRemarks("broken", summary.broken, "Broken pictures, kept with what is known", facts);
-  AddRemarks("damaged", summary.damaged, "Damaged pictures, shown in part", facts);
-  AddRemarks("unreadable", summary.unreadable, "Could not be read", facts);
-  AddRemarks("not_stored", summary.not_stored, "Could not be stored", facts);
-  AddRemarks("not_there", summary.not_there,
-             "Disks that are not there, whose photos are left alone", facts);
-  AddRemarks("long_paths", summary.long_paths,
-             "Stored without their location, whose path is too long", facts);
-  return facts.ForPrograms("seconds", summary.seconds)
-      .ForPrograms("interrupted", summary.interrupted)
-      .ForPeople(Sentence(summary) + GoneSentence(summary));
-}
-
 ExitCode CodeFor(const ImportSummary& summary) {
   const bool is_complete = summary.unreadable.empty() && summary.not_stored.empty();
   return is_complete ? ExitCode::kOk : ExitCode::kUnreadable;
-}
-
-void Tell(const std::vector<std::string>& news) {
-  for (const std::string& each : news) std::cerr << "vdsto: " << each << std::endl;
 }
 
 struct Import {
@@ -106,12 +37,7 @@ struct Import {
     const LibraryOptions options = invocation.AskForNewLibrary();
     InitialiseProbing();
     const ImportLock lock = invocation.LockOutImports();
-    Library library(options, lock);
-    FinishPasswordChange(options.folder, options.password, lock);
-    Tell(PrepareImageStore(options.folder, lock));
-    Tell(PrepareSeal(library, lock));
-    library.CallSearch([](auto& copy) { copy.Prepare(); });
-    const ImportSummary summary = ImportFolders(library, roots, invocation.WantsJson());
+    const ImportSummary summary = ImportInto(options, lock, roots, invocation.WantsJson());
     invocation.Write(Describe(summary));
     if (summary.interrupted) return ExitCode::kInterrupted;
     if (summary.unreadable_roots == 0) return CodeFor(summary);

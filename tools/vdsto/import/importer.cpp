@@ -51,6 +51,17 @@ std::string ReadableFolder(const std::string& folder, std::error_code& error) {
   return path;
 }
 
+const std::vector<std::string>& Walked(const ImportRoots& roots) {
+  return roots.changed.empty() ? roots.folders : roots.changed;
+}
+
+/// The folder to import that `path` is or lies below.
+const std::string& RootOf(const std::string& path, const ImportRoots& roots) {
+  const auto holds = [&](const std::string& root) { return path == root || IsBelow(path, root); };
+  const auto root = std::find_if(roots.folders.begin(), roots.folders.end(), holds);
+  return root == roots.folders.end() ? path : *root;
+}
+
 ProbeResult Probe(ImportJob job) {
   try {
     PictureFacts facts = ProbePicture(job.path, job.sidecar);
@@ -66,9 +77,10 @@ class Import {
  public:
   Import(Library& library, const ImportRoots& roots, bool quiet)
       : library_(library),
+        roots_(roots),
         images_(library.Folder(), SealOf(library)),
         mirror_(library),
-        places_(library.FactsOfPhotos().Places(), roots.folders),
+        places_(library.FactsOfPhotos().Places(), Walked(roots)),
         known_(library, places_),
         owners_(library, known_, places_),
         writer_(library, images_, mirror_, places_, summary_),
@@ -79,10 +91,10 @@ class Import {
     images_.Open();
   }
 
-  ImportSummary Run(const ImportRoots& roots) {
+  ImportSummary Run() {
     const auto start = std::chrono::steady_clock::now();
     {
-      std::jthread walker([&] { Walk(roots.folders); });
+      std::jthread walker([&] { Walk(); });
       const std::vector<std::jthread> probers = StartProbers();
       try {
         WriteResults();
@@ -93,17 +105,19 @@ class Import {
       }
     }
     if (walk_error_) std::rethrow_exception(walk_error_);
-    Finish(roots);
+    Finish();
     summary_.seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     return std::move(summary_);
   }
 
  private:
-  void Walk(const std::vector<std::string>& roots) {
+  void Walk() {
+    const std::vector<std::string>& folders = Walked(roots_);
     try {
-      std::all_of(roots.begin(), roots.end(),
-                  [&](const std::string& root) { return walk_.Walk(root); });
+      std::all_of(folders.begin(), folders.end(), [&](const std::string& folder) {
+        return walk_.Walk(RootOf(folder, roots_), folder);
+      });
     } catch (...) {
       walk_error_ = std::current_exception();
     }
@@ -123,6 +137,7 @@ class Import {
       const SourceEntry* const sidecar = sidecars.Of(file.path);
       const auto known = FindKnown(file.path, rows.get());
       if (known && IsLeftAlone(*known, file, sidecar)) continue;
+      if (roots_.unfinished.contains(file.path)) continue;
       ++found_;
       if (IsInterrupted() || !jobs_.Push({file.path, root, known ? known->guid : std::string(),
                                           sidecar ? sidecar->path : std::string()}))
@@ -238,7 +253,7 @@ class Import {
     if (!known_.Orphans().empty()) library_.FactsOfPhotos().Remove(known_.Orphans());
   }
 
-  void Finish(const ImportRoots& roots) {
+  void Finish() {
     library_.FactsOfPhotos().SetPlaces(places_.Places());
     summary_.unchanged = unchanged_;
     summary_.in_trash = in_trash_;
@@ -248,8 +263,8 @@ class Import {
     auto& unreadable = summary_.unreadable;
     unreadable.insert(unreadable.end(), walk_.Unreadable().begin(), walk_.Unreadable().end());
     NoteUnreadable();
-    unreadable.insert(unreadable.begin(), roots.unreadable.begin(), roots.unreadable.end());
-    summary_.unreadable_roots = roots.unreadable.size() + CountUnreadable(roots.folders);
+    unreadable.insert(unreadable.begin(), roots_.unreadable.begin(), roots_.unreadable.end());
+    summary_.unreadable_roots = roots_.unreadable.size() + CountUnreadable(roots_.folders);
     summary_.folders_created = mirror_.CreatedFolders();
     summary_.interrupted = IsInterrupted();
   }
@@ -278,6 +293,7 @@ class Import {
   }
 
   Library& library_;
+  const ImportRoots& roots_;
   ImageStore images_;
   FolderMirror mirror_;
   ImportPlaces places_;
@@ -317,7 +333,7 @@ ImportRoots CheckImportRoots(const std::vector<std::string>& folders) {
 ImportSummary ImportFolders(Library& library, const ImportRoots& roots, bool quiet) {
   const InterruptionGuard guard;
   library.FactsOfPhotos().Prepare();
-  return Import(library, roots, quiet).Run(roots);
+  return Import(library, roots, quiet).Run();
 }
 
 }  // namespace vdsto

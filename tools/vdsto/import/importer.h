@@ -1,4 +1,5 @@
 #pragma once
+#include <set>
 #include <string>
 #include <vector>
 
@@ -8,9 +9,12 @@
 namespace vdsto {
 
 /// The folders that an import is to mirror: those that can be read, without links, and the others.
+/// Of the former, all is walked and judged, or only what has changed.
 struct ImportRoots {
   std::vector<std::string> folders;
   std::vector<Remark> unreadable;
+  std::vector<std::string> changed = {};  ///< they or folders below them; empty: all of them
+  std::set<std::string> unfinished = {};  ///< files that are passed over this time
 };
 
 /// Throws ToolError when none can be read.

@@ -6,6 +6,7 @@ namespace vdsto {
 namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
+int guards = 0;
 
 void Note(int) {
   interrupted = 1;
@@ -21,12 +22,14 @@ void Install(int signal) {
 }  // namespace
 
 InterruptionGuard::InterruptionGuard() {
+  if (guards++ > 0) return;
   interrupted = 0;
   Install(SIGINT);
   Install(SIGTERM);
 }
 
 InterruptionGuard::~InterruptionGuard() {
+  if (--guards > 0) return;
   std::signal(SIGINT, SIG_DFL);
   std::signal(SIGTERM, SIG_DFL);
 }

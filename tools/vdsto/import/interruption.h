@@ -3,7 +3,7 @@
 namespace vdsto {
 
 /// While it lives, Ctrl-C and a request to terminate only set a mark; a second one ends the process
-/// at once.
+/// at once. One within another's life does nothing of its own. One thread makes them.
 class InterruptionGuard {
  public:
   InterruptionGuard();

@@ -20,9 +20,19 @@ std::string ErrnoText() {
 
 }  // namespace
 
-bool SourceWalk::Walk(const std::string& root) {
+bool LeadsBack(const std::string& path, const std::string& root) {
+  struct stat status {};
+  if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return false;
+  std::error_code error;
+  const std::string target = std::filesystem::canonical(path, error).string();
+  return error || target == root || IsBelow(target, root) || IsBelow(root, target);
+}
+
+bool SourceWalk::Walk(const std::string& root, const std::string& folder) {
   root_ = root;
-  return Enter(root, std::nullopt);
+  struct stat above {};
+  const bool is_on_known_disk = folder != root && stat(ParentOf(folder).c_str(), &above) == 0;
+  return Enter(folder, is_on_known_disk ? std::optional<uint64_t>(above.st_dev) : std::nullopt);
 }
 
 bool SourceWalk::Enter(const std::string& folder, std::optional<uint64_t> disk_above) {
@@ -67,18 +77,9 @@ void SourceWalk::Sort(const std::string& path, Listing& listing) {
     listing.files.push_back({path, StampFrom(status)});
   } else if (!S_ISDIR(status.st_mode)) {
     ++special_;
-  } else if (!LeadsBack(path)) {
+  } else if (!LeadsBack(path, root_)) {
     listing.folders.push_back(path);
   }
-}
-
-/// Into the tree: its folders are walked under their own names. Above it: that never ends.
-bool SourceWalk::LeadsBack(const std::string& link) const {
-  struct stat status {};
-  if (lstat(link.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return false;
-  std::error_code error;
-  const std::string target = std::filesystem::canonical(link, error).string();
-  return error || target == root_ || IsBelow(target, root_) || IsBelow(root_, target);
 }
 
 }  // namespace vdsto

@@ -17,6 +17,10 @@ struct SourceEntry {
   FileStamp stamp;
 };
 
+/// Does the link at `path` lead into the tree below `root`, whose folders are walked under their
+/// own names, or above it, which never ends? False for what is no link.
+bool LeadsBack(const std::string& path, const std::string& root);
+
 /// Walks real folders depth first, names in byte order, each folder once. Files behind links count;
 /// a link to a folder is followed unless it leads into or above the tree that is walked. Names that
 /// begin with a dot are passed over.
@@ -32,9 +36,9 @@ class SourceWalk {
   SourceWalk(Visit visit, EnterDisk enter_disk)
       : visit_(std::move(visit)), enter_disk_(std::move(enter_disk)) {}
 
-  /// Walks below `root`, an absolute path without links, but not again what an earlier call
-  /// walked. False when `visit` ended the walk.
-  bool Walk(const std::string& root);
+  /// Walks `folder`, which is `root`, an absolute path without links, or lies below it, but not
+  /// again what an earlier call walked. False when `visit` ended the walk.
+  bool Walk(const std::string& root, const std::string& folder);
 
   uint64_t Hidden() const { return hidden_; }
   /// Devices, sockets and pipes.
@@ -50,7 +54,6 @@ class SourceWalk {
   bool Enter(const std::string& folder, std::optional<uint64_t> disk_above);
   Listing List(const std::string& folder);
   void Sort(const std::string& path, Listing& listing);
-  bool LeadsBack(const std::string& link) const;
 
   Visit visit_;
   EnterDisk enter_disk_;

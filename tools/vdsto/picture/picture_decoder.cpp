@@ -2,20 +2,18 @@
 
 #include <vips/vips.h>
 
-#include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
+#include <system_error>
 
+#include "tools/vdsto/picture/decoding_memory.h"
 #include "tools/vdsto/picture/memory_budget.h"
 
 namespace vdsto {
 namespace {
 
 constexpr uint64_t kMostPixels = 1ull << 30;
-constexpr uint64_t kMostMemory = 4ull << 30;
-constexpr uint64_t kBudget = 3ull << 29;
-/// Decoders that go from top to bottom hold about this many lines.
-constexpr uint64_t kLinesHeld = 512;
 
 struct Unreference {
   void operator()(void* object) const { g_object_unref(object); }
@@ -95,25 +93,9 @@ bool HasOwnColours(VipsImage* image) {
          vips_image_get_interpretation(image) == VIPS_INTERPRETATION_CMYK;
 }
 
-bool IsInterlaced(VipsImage* image) {
-  int interlaced = 0;
-  for (const char* field : {"jpeg-multiscan", "interlaced"}) {
-    if (vips_image_get_typeof(image, field) && vips_image_get_int(image, field, &interlaced) == 0 &&
-        interlaced) {
-      return true;
-    }
-  }
-  return false;
-}
-
-uint64_t MemoryNeeded(VipsImage* image, PictureFormat format) {
-  const auto width = static_cast<uint64_t>(vips_image_get_width(image));
-  const auto height = static_cast<uint64_t>(vips_image_get_height(image));
-  const uint64_t line = width * VIPS_IMAGE_SIZEOF_PEL(image);
-  const bool by_lines = (format == PictureFormat::kJpeg || format == PictureFormat::kPng ||
-                         format == PictureFormat::kTiff || format == PictureFormat::kRaw) &&
-                        !IsInterlaced(image);
-  return by_lines ? line * std::min(height, kLinesHeld) : 2 * line * height;
+uint64_t SizeOf(const PictureData& data) {
+  std::error_code ignored;
+  return data.InMemory() ? data.bytes.size() : std::filesystem::file_size(data.path, ignored);
 }
 
 /// A colour profile that cannot be used is no reason to show nothing.
@@ -145,19 +127,21 @@ void InitialiseDecoder() {
 }
 
 DecodedPicture DecodePicture(const PictureData& data, PictureFormat format, int orientation) {
-  static MemoryBudget budget(kBudget);
+  static MemoryBudget budget(DecodingBudget());
   DecodedPicture result;
   Image header = OpenHeader(data);
   if (header) {
     result.width = static_cast<uint32_t>(vips_image_get_width(header.get()));
     result.height = static_cast<uint32_t>(vips_image_get_height(header.get()));
-    const uint64_t needed = MemoryNeeded(header.get(), format);
+    result.memory = DecodingMemory(header.get(), data, format);
     const Recipe recipe{orientation, true, HasOwnColours(header.get())};
     header.reset();
-    if (uint64_t{result.width} * result.height > kMostPixels || needed > kMostMemory) {
+    if (uint64_t{result.width} * result.height > kMostPixels) {
+      result.state = PixelState::kTooManyPixels;
+    } else if (result.memory > MostDecodingMemory(SizeOf(data))) {
       result.state = PixelState::kTooLarge;
     } else {
-      const MemoryBudget::Share share(budget, needed);
+      const MemoryBudget::Share share(budget, result.memory);
       Decode(data, recipe, result);
     }
   }

@@ -11,13 +11,15 @@ enum class PixelState {
   kGood,
   kDamaged,     ///< decodes, but data is missing or wrong: a viewer shows it in part
   kUnreadable,  ///< nothing can be shown
-  kTooLarge,    ///< decoding it would take more memory or time than any picture deserves
+  kTooLarge,    ///< decoding it would take more memory than such a file deserves
+  kTooManyPixels,
 };
 
 struct DecodedPicture {
   PixelState state = PixelState::kUnreadable;
   uint32_t width = 0;  ///< as the decoder reports it; 0 when not even the header is readable
   uint32_t height = 0;
+  uint64_t memory = 0;  ///< about how many bytes decoding takes
   /// A JPEG, upright, in sRGB, its longer side at most kThumbnailSide; empty exactly when nothing
   /// can be shown.
   std::vector<uint8_t> thumbnail;

@@ -5,8 +5,10 @@
 #include <tuple>
 #include <utility>
 
+#include "tools/vdsto/picture/memory_budget.h"
 #include "tools/vdsto/picture/picture_decoder.h"
 #include "tools/vdsto/picture/size_limits.h"
+#include "tools/vdsto/text/text.h"
 
 namespace vdsto {
 namespace {
@@ -47,6 +49,15 @@ DecodedPicture Decode(const PictureData& data, PictureFormat format, int orienta
   }
 }
 
+/// Cameras put a small picture into the large one.
+void ShowSmallPicture(const PictureData& data, int orientation, DecodedPicture& decoded) {
+  VisitPreviews(data, kThumbnailSide, [&](Bytes preview) {
+    decoded.thumbnail =
+        DecodePicture({preview, {}}, DetectFormat(preview, ""), orientation).thumbnail;
+    return !decoded.thumbnail.empty();
+  });
+}
+
 /// The decoder's size is the one that counts, except where it decodes something else than what is
 /// stored.
 void SetSize(const PictureMetadata& metadata, const DecodedPicture& decoded, PictureFacts& facts) {
@@ -63,6 +74,17 @@ void SetSize(const PictureMetadata& metadata, const DecodedPicture& decoded, Pic
   if (was_turned) std::swap(facts.width, facts.height);
 }
 
+std::pair<PictureState, std::string> JudgeTooLarge(const DecodedPicture& decoded) {
+  const std::string why = decoded.state == PixelState::kTooManyPixels
+                              ? "too many pixels to decode"
+                              : "too large to be shown: that would take about " +
+                                    HumanSize(decoded.memory) +
+                                    " of memory, far more than its file promises";
+  return decoded.thumbnail.empty()
+             ? std::pair(PictureState::kBroken, why)
+             : std::pair(PictureState::kDamaged, why + "; the small picture in it is shown");
+}
+
 std::pair<PictureState, std::string> Judge(const DecodedPicture& decoded,
                                            const PictureFacts& facts) {
   if (facts.stamp.size == 0) return {PictureState::kBroken, "the file is empty"};
@@ -76,7 +98,8 @@ std::pair<PictureState, std::string> Judge(const DecodedPicture& decoded,
     case PixelState::kDamaged:
       return {PictureState::kDamaged, name + " data is damaged or cut off; shown in part"};
     case PixelState::kTooLarge:
-      return {PictureState::kBroken, "too many pixels to decode"};
+    case PixelState::kTooManyPixels:
+      return JudgeTooLarge(decoded);
     case PixelState::kUnreadable:
       break;
   }
@@ -114,6 +137,9 @@ PictureFacts ProbePicture(const std::string& path, const std::string& sidecar) {
   facts.stamp = file.Stamp();
   facts.format = DetectFormat(file.Head(), path.substr(path.rfind('/') + 1));
   if (!facts.IsPicture()) return facts;
+  static MemoryBudget files(SourceFile::kLargestInMemory);
+  const bool is_for_memory = file.Stamp().size <= SourceFile::kLargestInMemory;
+  const MemoryBudget::Share share(files, is_for_memory ? file.Stamp().size : 0);
   file.ReadAll();
   facts.md5 = file.Md5();
   const PictureData data = DataOf(file, facts.format);
@@ -123,6 +149,9 @@ PictureFacts ProbePicture(const std::string& path, const std::string& sidecar) {
       ReadMetadata(has_sane_xmp ? data : PictureData(), ReadSidecar(sidecar, facts));
   DecodedPicture decoded;
   if (is_safe) decoded = Decode(data, facts.format, metadata.exif.orientation);
+  const bool is_too_large =
+      decoded.state == PixelState::kTooLarge || decoded.state == PixelState::kTooManyPixels;
+  if (is_too_large && has_sane_xmp) ShowSmallPicture(data, metadata.exif.orientation, decoded);
   SetSize(metadata, decoded, facts);
   facts.exif = std::move(metadata.exif);
   facts.place = metadata.place;
