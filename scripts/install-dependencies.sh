@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what the build needs and the machine lacks (Debian packages), and says what it installs.
-# Usage: scripts/install-dependencies.sh [build|demo|test|gallery|bench|docs|fuzz|windows]...
+# Usage: scripts/install-dependencies.sh [build|demo|test|gallery|bench|docs|fuzz|windows|32-bit]...
 # (build is always included)
 set -euo pipefail
 
@@ -20,6 +20,7 @@ for purpose in "$@"; do
     windows)
       packages+=(g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix googletest python3 wine wine64)
       ;;
+    32-bit) packages+=(g++-multilib googletest) ;;
     *) echo "install-dependencies.sh: unknown purpose '$purpose'" >&2; exit 2 ;;
   esac
 done

@@ -1,33 +1,89 @@
 #!/usr/bin/env bash
-# Builds the storage engine for 64-bit and 32-bit Windows and runs the 64-bit tests under Wine.
+# Builds the library and its tests for 64-bit and 32-bit Windows, runs the 64-bit tests under Wine, packs a zip
+# for each and tries them as a host would: a program is built with either, the 64-bit one is run.
 # Usage: scripts/test-windows.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-dependencies.sh build windows
-scripts/build.sh windows-x86_64
-scripts/build.sh windows-i686
+for preset in windows-x86_64 windows-i686; do scripts/build.sh $preset; done
 
 # Wine keeps its registry and drive here, asks for no add-ons and needs no display.
 export WINEPREFIX=$PWD/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 unset DISPLAY
-log=build/test-windows.log
-: >"$log"
+logs=$PWD/build/test-windows
+rm -rf "$logs" && mkdir -p "$logs"
+TZ=UTC wine cmd /c exit # makes the drive before two programs want to
 
 run() { # run ZONE PROGRAM [options...]: a Windows program gets its time zone from outside
-  local result=0
-  TZ=$1 timeout 600 wine "build/windows-x86_64/tests/$2.exe" --gtest_brief=1 "${@:3}" \
-    >>"$log" 2>&1 || result=$?
+  local result=0 log=$logs/$2-${1//\//-}.log
+  TZ=$1 timeout 1200 wine "build/windows-x86_64/tests/$2.exe" --gtest_print_time=1 "${@:3}" \
+    >"$log" 2>&1 || result=$?
   [ $result -eq 0 ] && return
-  tail -n 60 "$log" >&2
+  grep -a -B 20 'FAILED' "$log" | tail -n 60 >&2 || true
   echo "$2 failed under Wine with $result (time zone $1); the whole log is in $log." >&2
+  return 1
+}
+export -f run
+export logs
+
+echo "Running the tests (Wine)"
+xargs -P "$(nproc)" -L 1 bash -c 'run "$@"' run <<'PROGRAMS'
+UTC test_storage
+UTC test_dao
+UTC test_catalogue
+UTC test_search
+UTC test_transfer
+UTC test_session
+UTC test_records
+UTC test_platform
+Asia/Seoul test_platform --gtest_filter=TimeText.*
+America/New_York test_platform --gtest_filter=TimeText.*
+PROGRAMS
+passed=$(cat "$logs"/*.log | awk '/PASSED/ { sum += $4 } END { print sum }')
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+sed -n '/^```cpp$/,/^```$/p' README.md | sed '1d;$d' >"$work/main.cpp"
+cat >"$work/CMakeLists.txt" <<'CMAKE'
+cmake_minimum_required(VERSION 3.25)
+project(consumer CXX)
+find_package(VdStoMgr REQUIRED)
+add_compile_options(-Wall -Wextra -Werror)
+add_executable(consumer main.cpp)
+target_link_libraries(consumer VdStoMgr::VdStoMgr)
+CMAKE
+
+fail() {
+  echo "test-windows: $1" >&2
   exit 1
 }
 
-echo "Running the tests (Wine)"
-run UTC test_platform
-run Asia/Seoul test_platform --gtest_filter='TimeText.*'
-run America/New_York test_platform --gtest_filter='TimeText.*'
-run UTC test_storage
-passed=$(awk '/PASSED/ { sum += $4 } END { print sum }' "$log")
-echo "Built for Windows (x86-64 and i686); $passed x86-64 tests passed under Wine."
+try_zip() { # try_zip PROCESSOR: packs, unpacks and builds a program with nothing else
+  local processor=$1 zips=$PWD/build/windows-$1/zip installed
+  rm -rf "$zips"
+  cpack --config "build/windows-$processor/CPackConfig.cmake" -B "$zips" >"$logs/zip-$processor.log"
+  (cd "$work" && cmake -E tar xf "$zips"/VdStoMgr-*-windows-"$processor".zip)
+  installed=$(echo "$work"/VdStoMgr-*-windows-"$processor")
+  for file in bin/VdStoMgr.dll lib/libVdStoMgr.dll.a \
+    licences/{database-engine,gcc-mingw-w64-base,mingw-w64-common}.txt; do
+    [ -s "$installed/$file" ] || fail "the zip for $processor has no $file"
+  done
+  needs=$("$processor-w64-mingw32-objdump" -p "$installed/bin/VdStoMgr.dll" | sed -n 's/.*DLL Name: //p')
+  ! echo "$needs" | grep -vixE 'kernel32\.dll|user32\.dll|advapi32\.dll|bcrypt\.dll|msvcrt\.dll' >&2 ||
+    fail "the library for $processor needs these files beside the system's own"
+  cmake -S "$work" -B "$work/$processor" -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/mingw-$processor.cmake" \
+    -DVdStoMgr_DIR="$installed/lib/cmake/VdStoMgr" >"$logs/consumer-$processor.log"
+  cmake --build "$work/$processor" >>"$logs/consumer-$processor.log" ||
+    fail "no program builds with the zip for $processor"
+  cp "$installed/bin/VdStoMgr.dll" "$work/$processor"
+}
+
+echo "Trying the zips"
+try_zip x86_64
+try_zip i686
+answer=$(cd "$work" && TZ=UTC wine x86_64/consumer.exe | tr -d '\r')
+[ "$answer" = "바다.jpg" ] || fail "the program built with the zip answers '$answer'"
+cp "build/windows-x86_64/tests/host_guide_examples.exe" "$work/x86_64"
+(cd "$work/x86_64" && TZ=UTC wine host_guide_examples.exe >/dev/null 2>&1) || fail "the host guide's examples fail"
+echo "Built for Windows (x86-64 and i686); $passed x86-64 tests passed under Wine, and both zips build a program."

@@ -71,7 +71,9 @@ TEST_F(FileTest, PasswordsAndForeignFilesEachHaveTheirError) {
 TEST_F(FileTest, WhatIsNoFileNameMakesAndDeletesNothing) {
   fs::current_path(folder_);  // where such names would leave their files
   fs::create_directory("folder");
-  fs::create_symlink("no drive/a.vdb", "link");
+  constexpr const char* kLink = "link";
+  std::error_code has_no_links;  // as Wine, and Windows for most users
+  fs::create_symlink("no drive/a.vdb", kLink, has_no_links);
   for (const char* file : {"file:", "x"}) std::ofstream(file) << "kept";
   const Lines before = FilesInFolder();
   const struct {
@@ -81,10 +83,11 @@ TEST_F(FileTest, WhatIsNoFileNameMakesAndDeletesNothing) {
   } kCases[] = {{"", 3044, 3044},       {nullptr, 3044, 3044},   {":memory:", 3044, 3044},
                 {"file:", 3044, 3044},  {"file:x", 3044, 3044},  {"file:a?mode=memory", 3044, 3044},
                 {"folder", 3044, 3343}, {"folder/", 3044, 3343}, {"new/", 3044, 3044},
-                {"x/", 3044, 3044},     {"x/a.vdb", 3044, 3044}, {"link", 3044, 3044},
+                {"x/", 3044, 3044},     {"x/a.vdb", 3044, 3044}, {kLink, 3044, 3044},
                 {"x", 3204, 3343}};
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.name == nullptr ? "null" : c.name);
+    if (has_no_links && c.name == kLink) continue;
     CDaoDatabase db;
     EXPECT_EQ(NumberOf([&] { db.Create(c.name); }), c.created);
     EXPECT_EQ(NumberOf([&] { db.Open(c.name); }), c.opened);
@@ -94,6 +97,7 @@ TEST_F(FileTest, WhatIsNoFileNameMakesAndDeletesNothing) {
     EXPECT_FALSE(vdstomgr::dao::DeleteDatabase(name)) << name;
   }
   EXPECT_EQ(FilesInFolder(), before);
+  fs::current_path(folder_.parent_path());  // no folder is deleted where a process is
 }
 
 TEST_F(FileTest, AFileThatLostItsTailIsRefused) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <random>
@@ -10,6 +11,12 @@ namespace vdstomgr::os {
 namespace {
 
 const std::string kText = "0123456789";
+/// The system's error number for what somebody else may write.
+#if defined(_WIN32)
+constexpr int kClaimed = 32;  // a sharing violation
+#else
+constexpr int kClaimed = EWOULDBLOCK;
+#endif
 
 /// A folder of its own, of a name that no code page has whole, in which files have paths that are
 /// too long for the plain calls of some systems.
@@ -102,12 +109,12 @@ TEST_F(FileSystemTest, NamesAndClaimsAreKept) {
   auto first = Create("a", Caching::normal);
   std::unique_ptr<ExclusiveFile> second;
   EXPECT_EQ(files_.CreateNew(Path("a"), Caching::normal, second), std::errc::file_exists);
-  EXPECT_TRUE(files_.OpenExclusive(Path("a"), Caching::normal, second));
+  EXPECT_EQ(files_.OpenExclusive(Path("a"), Caching::normal, second).value(), kClaimed);
   EXPECT_TRUE(files_.Rename(Path("a"), Path("b")));
   std::unique_ptr<File> plain;
   EXPECT_FALSE(first->WriteAt(0, kText.data(), kText.size()));
   for (const OpenMode mode : {OpenMode::create, OpenMode::read_write}) {
-    EXPECT_TRUE(files_.Open(Path("a"), mode, plain));
+    EXPECT_EQ(files_.Open(Path("a"), mode, plain).value(), kClaimed);
   }
   EXPECT_EQ(Read("a"), kText);
   first.reset();

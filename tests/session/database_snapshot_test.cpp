@@ -25,7 +25,10 @@ class Snapshot : public testing::TestWithParam<const char*> {
     writer_.ExecuteOrThrow("CREATE TABLE T (n INTEGER CONSTRAINT P PRIMARY KEY, s VARCHAR(200))");
     Add(0, 3000);
   }
-  void TearDown() override { fs::remove_all(folder_); }
+  void TearDown() override {
+    writer_.Close();
+    fs::remove_all(folder_);
+  }
 
   std::string Path(const char* name) const { return (folder_ / name).string(); }
   void Add(int from, int to) {

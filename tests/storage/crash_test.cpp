@@ -1,10 +1,11 @@
-#if !defined(_WIN32)
-#include <signal.h>
-
 #include <chrono>
+#include <cstdlib>
+#include <fstream>
 #include <map>
+#include <optional>
 #include <random>
 #include <thread>
+#include <tuple>
 
 #include "tests/storage/record_test.h"
 #include "vdstomgr/storage/repair_storage.h"
@@ -32,15 +33,13 @@ std::string DataOf(const Step& step) {
 class Crash : public Records {
  protected:
   static constexpr int kKeys = 300;
+  static constexpr unsigned kRounds = 150;
 
   /// Adds, removes and compacts until it is killed.
-  [[noreturn]] void WorkOn(unsigned seed, int pipe) {
+  [[noreturn]] void WorkOn(unsigned seed) {
     std::mt19937 random(seed);
-    const auto say = [&](Step& step, bool is_done) {
-      step.is_done = is_done;
-      if (write(pipe, &step, sizeof step) != sizeof step) _exit(2);
-    };
-    if (!storage_.LoadStorageFile(path_.c_str(), 2, 3)) _exit(3);
+    std::ignore = Follow();
+    if (!storage_.LoadStorageFile(path_.c_str(), 2, 3)) std::_Exit(3);
     if (random() % 4 == 0) storage_.GetClusterArray();
     for (;;) {
       const int key = static_cast<int>(random() % kKeys);
@@ -49,11 +48,40 @@ class Crash : public Records {
                 : is_there         ? Step::remove
                                    : Step::add,
                 key, seed * 100000 + static_cast<unsigned>(random() % 100000), false};
-      say(step, false);
-      if (!Change(step, random)) _exit(4);
-      say(step, true);
+      Say(step);
+      if (!Change(step, random)) std::_Exit(4);
+      step.is_done = true;
+      Say(step);
       Apply(step);
     }
+  }
+  void Say(const Step& step) {
+    std::ofstream steps(steps_, std::ios::binary | std::ios::app);
+    if (!steps.write(reinterpret_cast<const char*>(&step), sizeof step).flush()) std::_Exit(2);
+  }
+  /// Takes over what was said since the last call; answers with what was begun last and not done.
+  std::optional<Step> Follow() {
+    std::ifstream steps(steps_, std::ios::binary);
+    steps.seekg(followed_);
+    Step step{};
+    std::optional<Step> pending;
+    for (; steps.read(reinterpret_cast<char*>(&step), sizeof step); followed_ += sizeof step) {
+      if (step.is_done) Apply(step);
+      pending = step.is_done ? std::nullopt : std::optional(step);
+    }
+    return pending;
+  }
+  /// Kills a process that works here, at any instant once it has begun.
+  void KillOne(const std::string& order, std::chrono::microseconds after) {
+    ChildProcess process(order);
+    const auto begun = [&] {
+      return std::filesystem::file_size(steps_) > std::uintmax_t(followed_);
+    };
+    for (int i = 0; i < 60'000 && !begun(); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    std::this_thread::sleep_for(after);
+    ASSERT_TRUE(process.Kill()) << "the process ended by itself";
   }
   bool Change(const Step& step, std::mt19937& random) {
     if (step.kind == Step::add) return Put(KeyOf(step.key), DataOf(step), random() % 3 != 0);
@@ -75,7 +103,7 @@ class Crash : public Records {
   }
 
   /// Opens what a killed process has left; what it was doing may be done or not.
-  void Recover(const Step* pending) {
+  void Recover(const std::optional<Step>& pending) {
     const auto is_there = [](const std::string& file) { return std::filesystem::exists(file); };
     if (!is_there(path_) || !is_there(index_)) {
       ASSERT_TRUE(vdstomgr::RepairStorage(path_.c_str()).repaired);
@@ -91,49 +119,40 @@ class Crash : public Records {
       const std::string wanted = expected == live_.end() ? "-" : DataOf(expected->second);
       const std::string found = Find(KeyOf(key));
       if (found == wanted) continue;
-      ASSERT_TRUE(pending != nullptr && pending->key == key) << key;
+      ASSERT_TRUE(pending && pending->key == key) << key;
       ASSERT_EQ(found, pending->kind == Step::add ? DataOf(*pending) : "-");
-      Apply(*pending);
+      Step step = *pending;
+      step.is_done = true;
+      Say(step);
     }
+    std::ignore = Follow();
     storage_.FreeStorageFile();
   }
 
+  std::string steps_ = Path("steps");  ///< what the processes said
+  std::streamoff followed_ = 0;        ///< as far as it was taken over
   std::map<int, Step> live_;
   int repairs_ = 0;
 };
 
 TEST_F(Crash, LosesNothingThatWasAcknowledged) {
+  if (ChildProcess::Order() != nullptr)
+    WorkOn(static_cast<unsigned>(std::stoul(ChildProcess::Order())));
   Make(kText, 12);
   storage_.FreeStorageFile();
+  Write("steps", "");
   std::mt19937 random(5);
   int compactions = 0;
-  for (unsigned round = 0; round < 150 && !HasFatalFailure(); ++round) {
+  for (unsigned round = 0; round < kRounds && !HasFailure(); ++round) {
     SCOPED_TRACE(round);
-    int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
-    const pid_t process = Start([&]() -> bool { WorkOn(round, ends[1]); });
-    close(ends[1]);
-    std::this_thread::sleep_for(std::chrono::microseconds(random() % 60000));
-    kill(process, SIGKILL);
-    Step step{};
-    Step last{};
-    bool has_pending = false;
-    while (read(ends[0], &step, sizeof step) == sizeof step) {
-      has_pending = !step.is_done;
-      if (step.is_done) Apply(step);
-      last = step;
-    }
-    close(ends[0]);
-    int status = 0;
-    waitpid(process, &status, 0);
-    ASSERT_TRUE(WIFSIGNALED(status)) << "the process ended by itself: " << WEXITSTATUS(status);
-    compactions += has_pending && last.kind == Step::compact;
-    Recover(has_pending ? &last : nullptr);
+    KillOne(std::to_string(round), std::chrono::microseconds(random() % 60000));
+    const auto pending = Follow();
+    compactions += pending && pending->kind == Step::compact;
+    Recover(pending);
   }
-  EXPECT_GT(compactions, 5);
+  EXPECT_GT(compactions, static_cast<int>(kRounds / 30));
   RecordProperty("killed_in_compactions", compactions);
   RecordProperty("repairs", repairs_);
 }
 
 }  // namespace
-#endif

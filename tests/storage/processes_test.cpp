@@ -1,8 +1,14 @@
 #if !defined(_WIN32)
 #include <poll.h>
 #include <signal.h>
+#endif
+
+#include <chrono>
+#include <cstdlib>
+#include <thread>
 
 #include "tests/storage/storage_test.h"
+#include "tests/system.h"
 #include "vdstomgr/storage/array_file.h"
 #include "vdstomgr/storage/read_storage.h"
 #include "vdstomgr/storage/record_storage.h"
@@ -11,16 +17,66 @@ namespace {
 
 using vdstomgr::StorageLookup;
 
+class Processes : public StorageTest {};
+
+std::string KeyOf(int number) {
+  return std::to_string(100 + number);
+}
+
+/// Moves clusters, removes records and compacts all the time.
+[[noreturn]] void WriteRecords(const std::string& path, const std::string& ready) {
+  CRkStorageManager storage;
+  const auto put = [&](const std::string& key) {
+    const std::string data = std::string(5000, 'x') + key;
+    return storage.Add(key.c_str(), reinterpret_cast<const BYTE*>(data.data()), 5003, true);
+  };
+  if (!storage.LoadStorageFile(path.c_str())) std::_Exit(1);
+  for (int i = 0; i < 200; ++i) put(KeyOf(i));
+  std::ofstream(ready).flush();
+  for (;;) {
+    for (int i = 0; i < 100; ++i) put("0" + std::to_string(i % 10));
+    storage.SortStorageCluster();
+    for (int i = 0; i < 100; ++i) storage.RemoveAt(0);
+    if (!storage.CompactStorageFileOnline(path.c_str(), 0)) std::_Exit(2);
+  }
+}
+
+/// Readers are let in; a second writer is refused.
+TEST_F(Processes, AnotherOneFindsRecordsWhileTheyMove) {
+  const std::string path = Path("s.pdb");
+  if (ChildProcess::Order() != nullptr) WriteRecords(path, Path("ready"));
+  ASSERT_TRUE(CRkStorageManager::CreateStorageFile(path.c_str(), 1, 'S', 4));
+  ChildProcess writer("write");
+  for (int i = 0; i < 60'000 && !std::filesystem::exists(Path("ready")); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  EXPECT_FALSE(CRkStorageManager().LoadStorageFile(path.c_str()));
+  CBinData data;
+  for (int i = 0; i < 1000; ++i) {
+    const std::string key = KeyOf(i % 200);
+    ASSERT_EQ(vdstomgr::ReadStorage(path.c_str(), key.c_str(), data), StorageLookup::Found) << i;
+    ASSERT_EQ(std::string(data.begin(), data.end()), std::string(5000, 'x') + key);
+  }
+  EXPECT_EQ(vdstomgr::ReadStorage(path.c_str(), "none", data), StorageLookup::NoRecord);
+  EXPECT_EQ(vdstomgr::ReadStorage(path.c_str(), DWORD{5}, data), StorageLookup::Unreadable);
+  EXPECT_TRUE(writer.Kill());
+}
+
+#if defined(_WIN32)
+using ArrayProcesses = StorageTest;
+NOT_ON_WINDOWS(ArrayProcesses, AKillLosesNothingThatWasAcknowledged,
+               "the child forks; kills of storages and libraries are tested there too")
+#else
 constexpr int kUnitSize = 100;
 
 std::string UnitOf(int number) {
   return std::string(kUnitSize, static_cast<char>('a' + number % 26));
 }
 
-class Processes : public StorageTest {
+class ArrayProcesses : public StorageTest {
  protected:
-  Processes() { EXPECT_EQ(pipe(ends_), 0); }
-  ~Processes() override {
+  ArrayProcesses() { EXPECT_EQ(pipe(ends_), 0); }
+  ~ArrayProcesses() override {
     for (const int end : ends_) close(end);
   }
   static void Kill(pid_t process) {
@@ -37,43 +93,9 @@ class Processes : public StorageTest {
   int ends_[2];
 };
 
-/// The writer moves clusters, removes records and compacts all the time.
-TEST_F(Processes, AnotherOneFindsRecordsWhileTheyMove) {
-  const std::string path = Path("s.pdb");
-  ASSERT_TRUE(CRkStorageManager::CreateStorageFile(path.c_str(), 1, 'S', 4));
-  const auto key_of = [](int i) { return std::to_string(100 + i); };
-  const pid_t writer = Start([&] {
-    CRkStorageManager storage;
-    const auto put = [&](const std::string& key) {
-      const std::string data = std::string(5000, 'x') + key;
-      return storage.Add(key.c_str(), reinterpret_cast<const BYTE*>(data.data()), 5003, true);
-    };
-    if (!storage.LoadStorageFile(path.c_str())) return false;
-    for (int i = 0; i < 200; ++i) put(key_of(i));
-    if (write(ends_[1], "", 1) != 1) return false;
-    for (;;) {
-      for (int i = 0; i < 100; ++i) put("0" + std::to_string(i % 10));
-      storage.SortStorageCluster();
-      for (int i = 0; i < 100; ++i) storage.RemoveAt(0);
-      if (!storage.CompactStorageFileOnline(path.c_str(), 0)) return false;
-    }
-  });
-  char ready;
-  ASSERT_EQ(read(ends_[0], &ready, 1), 1);
-  CBinData data;
-  for (int i = 0; i < 1000; ++i) {
-    const std::string key = key_of(i % 200);
-    ASSERT_EQ(vdstomgr::ReadStorage(path.c_str(), key.c_str(), data), StorageLookup::Found) << i;
-    ASSERT_EQ(std::string(data.begin(), data.end()), std::string(5000, 'x') + key);
-  }
-  EXPECT_EQ(vdstomgr::ReadStorage(path.c_str(), "none", data), StorageLookup::NoRecord);
-  EXPECT_EQ(vdstomgr::ReadStorage(path.c_str(), DWORD{5}, data), StorageLookup::Unreadable);
-  Kill(writer);
-}
-
 /// Adds at both ends and removes the last; the numbers of those that must be there go through a
 /// pipe.
-TEST_F(Processes, AKillLosesNothingThatWasAcknowledged) {
+TEST_F(ArrayProcesses, AKillLosesNothingThatWasAcknowledged) {
   for (int round = 0; round < 60; ++round) {
     const std::string path = NewArray(std::to_string(round));
     const pid_t writer = Start([&] {
@@ -105,5 +127,6 @@ TEST_F(Processes, AKillLosesNothingThatWasAcknowledged) {
   }
 }
 
-}  // namespace
 #endif
+
+}  // namespace

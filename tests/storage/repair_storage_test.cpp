@@ -5,6 +5,7 @@
 
 #include "tests/storage/faulty_environment.h"
 #include "tests/storage/record_test.h"
+#include "tests/system.h"
 #include "vdstomgr/storage/finish_compaction.h"
 #include "vdstomgr/storage/read_storage.h"
 #include "vdstomgr/storage/verify_storage.h"
@@ -140,7 +141,9 @@ TEST_F(Repair, OfCutFilesKeepsWhatIsThere) {
   }
 }
 
-#if !defined(_WIN32)
+#if defined(_WIN32)
+NOT_ON_WINDOWS(Repair, OfWhatAKilledProcessHasLeft, "forks at each call; Crash kills there too")
+#else
 /// Each call of a compaction and of a repair is the last one of a process once.
 TEST_F(Repair, OfWhatAKilledProcessHasLeft) {
   std::string damaged = data_;

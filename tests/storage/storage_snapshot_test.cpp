@@ -26,9 +26,9 @@ class Snapshots : public Records {
     };
     EXPECT_EQ(snapshot.CopyData(to(data)), is_whole);
     snapshot.CopyIndex(to(index));
+    storage_.FreeStorageFile();  // which may be the copy before this one
     Write("copy.pdb", data);
     Write("copy.pdx", index);
-    storage_.FreeStorageFile();
     EXPECT_TRUE(!is_whole || storage_.LoadStorageFile(Path("copy.pdb").c_str(), 2, 3));
   }
 };
@@ -69,7 +69,6 @@ TEST_F(Snapshots, NameWhatALostOrForeignIndexDoesNot) {
     Copy([] {});
     EXPECT_EQ(Find("a") + Find("b") + Find("c"), "abc");
   }
-#if !defined(_WIN32)  // a known fault there: the copy leaves the damaged record out in silence
   constexpr std::uint64_t kSecond = 284 + 23 + 20;  // the second record's data
   const char flipped = static_cast<char>(Read(path_)[kSecond] ^ 1);
   std::unique_ptr<vdstomgr::os::File> file;
@@ -80,7 +79,6 @@ TEST_F(Snapshots, NameWhatALostOrForeignIndexDoesNot) {
   Copy([] {});
   EXPECT_EQ(vdstomgr::VerifyStorage(Path("copy.pdb").c_str()).damaged_records, 1u);
   EXPECT_EQ(Find("a") + Find("c"), "ac");
-#endif
 }
 
 TEST_F(Snapshots, TellOfAStorageThatIsEmptiedAndOfNone) {

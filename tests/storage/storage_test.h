@@ -14,17 +14,19 @@
 #include <utility>
 #include <vector>
 
+#include "tests/child_process.h"
 #include "vdstomgr/platform/os/file.h"
 #include "vdstomgr/platform/report/hooks.h"
 
-/// A test with a folder of its own that collects what the library reports.
+/// A test with a folder of its own that collects what the library reports. A child process works in
+/// its parent's.
 class StorageTest : public testing::Test {
  protected:
   StorageTest() {
     const auto& info = *testing::UnitTest::GetInstance()->current_test_info();
     folder_ = std::filesystem::path(testing::TempDir()) /
               (std::string("vdsto-") + info.test_suite_name() + "-" + info.name());
-    std::filesystem::remove_all(folder_);
+    if (ChildProcess::Order() == nullptr) std::filesystem::remove_all(folder_);
     std::filesystem::create_directories(folder_);
     vdstomgr::SetMessageBoxHandler([this](const char* text) { Note(boxes_, text); });
     vdstomgr::SetTraceHandler([this](const char* text) { Note(traces_, text); });
@@ -37,7 +39,7 @@ class StorageTest : public testing::Test {
 
   std::string Path(const std::string& name) const { return (folder_ / name).string(); }
   std::string Write(const std::string& name, const std::string& bytes) const {
-    std::ofstream(Path(name), std::ios::binary) << bytes;
+    EXPECT_TRUE(std::ofstream(Path(name), std::ios::binary) << bytes) << name;
     return Path(name);
   }
   /// Not through a stream: on Windows these refuse a file that its writer may delete.

@@ -10,6 +10,10 @@
 
 class CRkDaoRecordset;
 
+namespace vdstomgr {
+struct SearchAccess;
+}
+
 /// The search database of one photo collection: a copy of what names, sizes and dates of photos and
 /// folders need to be searched, which the host keeps in step with its catalogue. Any thread may
 /// call it.
@@ -139,10 +143,7 @@ class VDSTO_API CRkSearchDBManager : public vdstomgr::DatabaseOwner {
                      vdstomgr::VisitedFolders& visited, bool recursive);
 
  private:
-  friend int vdstomgr::SearchFileNameByInitials(CRkSearchDBManager& search, const char* text,
-                                                vdstomgr::PhotoArray& photos, int max);
-  friend int vdstomgr::SearchFolderNameByInitials(CRkSearchDBManager& search, const char* text,
-                                                  vdstomgr::FolderArray& folders, int max);
+  friend struct vdstomgr::SearchAccess;  // of the searches by initials
 
   CRITICAL_SECTION m_csOwn;                                     // until the host gives one
   CMap<DWORD, DWORD, CString, const CString&> m_mapServerName;  // both caches: under the lock

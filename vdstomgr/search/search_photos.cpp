@@ -117,16 +117,22 @@ int CRkSearchDBManager::SearchFolderName(const char* text, FolderArray& folders,
   return AppendFirst(*m_db, folders, max, kSearchFolderColumns, "%s", Raw(query));
 }
 
+struct vdstomgr::SearchAccess {
+  static DatabaseSession& DatabaseOf(CRkSearchDBManager& search) { return *search.m_db; }
+};
+
 int vdstomgr::SearchFileNameByInitials(CRkSearchDBManager& search, const char* text,
                                        PhotoArray& photos, int max) {
   const CString query = BuildInitialsQuery("SearchPhotoMaster", "szFileName", text);
-  return AppendFirst(*search.m_db, photos, max, kSearchPhotoColumns, "%s", Raw(query));
+  return AppendFirst(SearchAccess::DatabaseOf(search), photos, max, kSearchPhotoColumns, "%s",
+                     Raw(query));
 }
 
 int vdstomgr::SearchFolderNameByInitials(CRkSearchDBManager& search, const char* text,
                                          FolderArray& folders, int max) {
   const CString query = BuildInitialsQuery("SearchFolderInfo", "szFolderName", text);
-  return AppendFirst(*search.m_db, folders, max, kSearchFolderColumns, "%s", Raw(query));
+  return AppendFirst(SearchAccess::DatabaseOf(search), folders, max, kSearchFolderColumns, "%s",
+                     Raw(query));
 }
 
 bool CRkSearchDBManager::cGetPhotoInfoByRS(CRkDaoRecordset& rs, PHOTOINFO& photo) {

@@ -20,8 +20,14 @@ bool DatabaseOwner::OpenDB(const char* path, const char* password) {
   return cOpen(path, password, false);
 }
 
+struct OwnerAccess {
+  static bool OpenForReading(DatabaseOwner& owner, const char* path, const char* password) {
+    return owner.cOpen(path, password, true);
+  }
+};
+
 bool OpenForReading(DatabaseOwner& owner, const char* path, const char* password) {
-  return owner.cOpen(path, password, true);
+  return OwnerAccess::OpenForReading(owner, path, password);
 }
 
 bool DatabaseOwner::cOpen(const char* path, const char* password, bool read_only) {

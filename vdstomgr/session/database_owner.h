@@ -11,6 +11,7 @@
 namespace vdstomgr {
 
 class DatabaseOwner;
+struct OwnerAccess;
 
 /// Opens a catalogue or search database for reading alone, also one in a folder or on a medium that
 /// cannot be written, and writes nothing: a catalogue's roots keep the names that they have.
@@ -61,8 +62,7 @@ class VDSTO_API DatabaseOwner : public DatabaseOperations {
   CString cToDBString(const char* text) const;
 
  private:
-  friend VDSTO_API bool OpenForReading(DatabaseOwner& owner, const char* path,
-                                       const char* password);
+  friend struct OwnerAccess;  // of OpenForReading
   bool cOpen(const char* path, const char* password, bool read_only);
 
   CString m_strDBName;

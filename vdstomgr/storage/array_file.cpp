@@ -4,6 +4,7 @@
 
 #include "vdstomgr/platform/os/lock.h"
 #include "vdstomgr/platform/report/report.h"
+#include "vdstomgr/storage/sync_access.h"
 #include "vdstomgr/storage/unit_file.h"
 
 using vdstomgr::ScopedLock;
@@ -138,6 +139,7 @@ UnitFile& CRkFileArrayManager::Units() const {
 }
 
 bool vdstomgr::SyncArray(CRkFileArrayManager& array) {
-  const ScopedLock lock(array.m_state->lock);
-  return array.m_state->units.Sync();
+  auto& state = SyncAccess::StateOf(array);
+  const ScopedLock lock(state.lock);
+  return state.units.Sync();
 }

@@ -12,6 +12,7 @@ namespace vdstomgr {
 
 class ClusterFile;
 class UnitFile;
+struct SyncAccess;
 
 /// Returns when the device holds all units, or false when that cannot be told or no file is open.
 VDSTO_API bool SyncArray(CRkFileArrayManager& array);
@@ -82,7 +83,7 @@ class VDSTO_API CRkFileArrayManager {
  protected:
   friend class CRkFileArrayIndex;
   friend class vdstomgr::ClusterFile;
-  friend bool vdstomgr::SyncArray(CRkFileArrayManager& array);
+  friend struct vdstomgr::SyncAccess;
 
   void LockCriticalSection();
   void UnlockCriticalSection(bool modified);

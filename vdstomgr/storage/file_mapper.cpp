@@ -2,6 +2,7 @@
 
 #include "vdstomgr/platform/os/lock.h"
 #include "vdstomgr/storage/mapped_file.h"
+#include "vdstomgr/storage/sync_access.h"
 
 using vdstomgr::ScopedLock;
 
@@ -89,6 +90,7 @@ bool CRkFileMapper::IsLocked() const {
 }
 
 bool vdstomgr::SyncFile(CRkFileMapper& mapper) {
-  const ScopedLock lock(mapper.m_state->lock);
-  return mapper.m_state->file.Sync();
+  auto& state = SyncAccess::StateOf(mapper);
+  const ScopedLock lock(state.lock);
+  return state.file.Sync();
 }

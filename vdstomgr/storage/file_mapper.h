@@ -10,6 +10,8 @@ class CRkFileMapper;
 
 namespace vdstomgr {
 
+struct SyncAccess;
+
 /// Returns when the device holds all that was written through the mapper, or false when that
 /// cannot be told. False when no file is open.
 VDSTO_API bool SyncFile(CRkFileMapper& mapper);
@@ -84,7 +86,7 @@ class VDSTO_API CRkFileMapper {
   bool IsLocked() const;
 
  private:
-  friend bool vdstomgr::SyncFile(CRkFileMapper& mapper);
+  friend struct vdstomgr::SyncAccess;
 
   struct State;
   std::shared_ptr<State> m_state;

@@ -10,6 +10,7 @@
 #include "vdstomgr/storage/loan_table.h"
 #include "vdstomgr/storage/record_storage.h"
 #include "vdstomgr/storage/storage_files.h"
+#include "vdstomgr/storage/sync_access.h"
 #include "vdstomgr/storage/sync_storage.h"
 
 using vdstomgr::ScopedLock;
@@ -191,6 +192,7 @@ bool CRkPhotoImageStorage::ReduceData(int minimum_count) {
 }
 
 bool vdstomgr::SyncStorage(CRkPhotoImageStorage& images) {
-  const ScopedLock lock(images.m_state->lock);
-  return SyncStorage(images.m_state->storage);
+  auto& state = SyncAccess::StateOf(images);
+  const ScopedLock lock(state.lock);
+  return SyncStorage(state.storage);
 }

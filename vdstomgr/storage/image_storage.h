@@ -6,10 +6,8 @@
 #include "vdstomgr/platform/framework/types.h"
 #include "vdstomgr/platform/utility/bin_data.h"
 
-class CRkPhotoImageStorage;
-
 namespace vdstomgr {
-VDSTO_API bool SyncStorage(CRkPhotoImageStorage& images);
+struct SyncAccess;
 }
 
 /// One image per photo: blobs under text keys of up to 44 bytes, in a record storage. A `key` is
@@ -76,7 +74,7 @@ class VDSTO_API CRkPhotoImageStorage {
   bool ReduceData(int minimum_count);
 
  private:
-  friend bool vdstomgr::SyncStorage(CRkPhotoImageStorage& images);
+  friend struct vdstomgr::SyncAccess;
   struct State;
   struct Loan;
 

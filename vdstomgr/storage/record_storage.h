@@ -7,10 +7,8 @@
 #include "vdstomgr/platform/framework/types.h"
 #include "vdstomgr/storage/array_file.h"
 
-class CRkStorageManager;
-
 namespace vdstomgr {
-VDSTO_API bool SyncStorage(CRkStorageManager& storage);
+struct SyncAccess;
 }
 
 /// Records of any length under a key, in a data file ("*.pdb") and its index file ("*.pdx"); both
@@ -120,7 +118,7 @@ class VDSTO_API CRkStorageManager {
 
  private:
   friend class CRkPhotoImageStorage;
-  friend bool vdstomgr::SyncStorage(CRkStorageManager& storage);
+  friend struct vdstomgr::SyncAccess;
   struct State;
 
   /// Add with sorting, then the removal of the record at `position`: a process killed in between

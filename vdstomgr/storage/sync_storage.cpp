@@ -2,9 +2,10 @@
 
 #include "vdstomgr/storage/image_storage.h"
 #include "vdstomgr/storage/record_storage_state.h"
+#include "vdstomgr/storage/sync_access.h"
 
 bool vdstomgr::SyncStorage(CRkStorageManager& storage) {
-  CRkStorageManager::State& state = *storage.m_state;
+  auto& state = SyncAccess::StateOf(storage);
   const ScopedLock lock(state.lock);
   if (!state.clusters.IsOpen()) return false;
   state.clusters.Settle();
