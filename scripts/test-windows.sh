@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# Builds the library and its tests for 64-bit and 32-bit Windows, runs the 64-bit tests under Wine, packs a zip
-# for each and tries them as a host would: a program is built with either, the 64-bit one is run.
+# Builds the library for 64-bit and 32-bit Windows, runs the tests of the former under Wine, packs a zip for
+# each and tries them as a host would: a program is built with either, the 64-bit one is run.
 # Usage: scripts/test-windows.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-dependencies.sh build windows
-for preset in windows-x86_64 windows-i686; do scripts/build.sh $preset; done
+scripts/build.sh windows-x86_64
+scripts/build.sh windows-i686 -DVDSTO_BUILD_TESTS=OFF # nothing here can run them; linux-m32 stands in
 
 # Wine keeps its registry and drive here, asks for no add-ons and needs no display.
 export WINEPREFIX=$PWD/build/wine WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
