@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # Builds the library for 64-bit and 32-bit Windows, runs the tests of the former under Wine, packs a zip for
-# each and tries them as a host would: a program is built with either, the 64-bit one is run.
+# each and tries them as a host would: a program is built with either, the 64-bit one is run. Libraries are
+# carried from one system to the other and back.
 # Usage: scripts/test-windows.sh
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-dependencies.sh build windows
 scripts/build.sh windows-x86_64
+scripts/build.sh release -DVDSTO_BUILD_TESTS=ON -DVDSTO_BUILD_BENCH=OFF -- carry
 scripts/build.sh windows-i686 -DVDSTO_BUILD_TESTS=OFF # nothing here can run them; linux-m32 stands in
 
 # Wine keeps its registry and drive here, asks for no add-ons and needs no display.
@@ -80,6 +82,18 @@ try_zip() { # try_zip PROCESSOR: packs, unpacks and builds a program with nothin
   cp "$installed/bin/VdStoMgr.dll" "$work/$processor"
 }
 
+on_linux() { TZ=Asia/Seoul build/release/tests/carry "$1" "$work/library" "${@:2}"; }
+on_windows() { TZ=Asia/Seoul wine "$work/x86_64/carry.exe" "$1" "z:$work/library" "${@:2}"; }
+
+carry_over() { # carry_over FROM TO [PASSWORD]: what one makes must answer the other as it answers its maker
+  rm -rf "$work/library" && mkdir "$work/library"
+  "$1" make "${@:3}" && "$1" tell "${@:3}" | tr -d '\r' >"$work/at-home"
+  "$2" tell "${@:3}" | tr -d '\r' >"$work/abroad"
+  grep -q 'store sound' "$work/abroad" && ! grep -E '^error|[1-9][0-9]* faults' "$work/abroad" >&2 ||
+    fail "a library carried from $1 to $2 is not sound"
+  diff "$work/at-home" "$work/abroad" >&2 || fail "a library carried from $1 to $2 answers otherwise"
+}
+
 echo "Trying the zips"
 try_zip x86_64
 try_zip i686
@@ -87,25 +101,10 @@ answer=$(cd "$work" && TZ=UTC wine x86_64/consumer.exe | tr -d '\r')
 [ "$answer" = "바다.jpg" ] || fail "the program built with the zip answers '$answer'"
 cp "build/windows-x86_64/tests/host_guide_examples.exe" "$work/x86_64"
 (cd "$work/x86_64" && TZ=UTC wine host_guide_examples.exe >/dev/null 2>&1) || fail "the host guide's examples fail"
-# carry_over FROM TO [PASSWORD]: a library made by one must answer the other as it answers its maker
-carry_over() {
-  rm -rf "$work/library" && mkdir "$work/library"
-  "$1" make "${@:3}" && "$1" tell "${@:3}" | tr -d '\r' >"$work/at-home"
-  "$2" tell "${@:3}" | tr -d '\r' >"$work/abroad"
-  grep -q 'store sound' "$work/abroad" && ! grep -E '^error|[1-9][0-9]* faults' "$work/abroad" >&2 ||
-    fail "a library carried over from $1 to $2 is not sound"
-  diff "$work/at-home" "$work/abroad" >&2 || fail "a library carried over from $1 to $2 answers otherwise"
-}
-on_linux() { TZ=Asia/Seoul build/release/tests/carry "$1" "$work/library" "${@:2}"; }
-on_windows() {
-  (cd "$work/x86_64" && TZ=Asia/Seoul wine "$OLDPWD/build/windows-x86_64/tests/carry.exe" "$1" "z:$work/library" "${@:2}")
-}
 echo "Carrying libraries over"
-scripts/build.sh release -DVDSTO_BUILD_TESTS=ON -DVDSTO_BUILD_BENCH=OFF -- carry
-cp build/windows-x86_64/vdstomgr/VdStoMgr.dll "$work/x86_64" 2>/dev/null || true
+cp build/windows-x86_64/tests/carry.exe "$work/x86_64"
 for password in "" secret; do
   carry_over on_linux on_windows ${password:+"$password"}
   carry_over on_windows on_linux ${password:+"$password"}
 done
-
 echo "Built for Windows (x86-64 and i686); $passed x86-64 tests passed under Wine, and both zips build a program."

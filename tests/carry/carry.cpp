@@ -61,7 +61,8 @@ PHOTOINFO PhotoOf(int number, std::mt19937& random) {
   photo.SetWidthHeight(static_cast<int>(random() % 9000), static_cast<int>(random() % 9000));
   photo.SetFolderID(1 + static_cast<DWORD>(number % 5));
   photo.SetFileSize(random() * std::uint64_t{4096});
-  photo.SetShootDate(static_cast<std::int32_t>(random()));
+  // From 1990 on: of older days Windows knows no rules of a zone but the present ones.
+  photo.SetShootDate(static_cast<std::int32_t>(631152000 + random() % 1000000000));
   photo.SetRegDate(1700000000 + number);
   photo.SetCameraModel(word().c_str());
   photo.SetRating(static_cast<BYTE>(random() % 6));
