@@ -2,8 +2,8 @@
 # Measures `vdsto import`: many small JPEGs, some of 12 megapixels, and both again unchanged, beside a walk that
 # reads every file's size and time. Usage: bench/run-import.sh [SMALL [LARGE [OTHER]]]
 # (default 20000 and 100; OTHER is a second vdsto program, of an older state, say, measured in turn with this one)
-# Each is run three times in turn with its pictures in the cache; the best counts. The files lie in
-# $VDSTO_BENCH_FOLDER (default build/bench-import).
+# Each is run three times ($VDSTO_BENCH_ROUNDS) in turn with its pictures in the cache; the best counts. The files
+# lie in $VDSTO_BENCH_FOLDER (default build/bench-import).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -52,7 +52,7 @@ measure() { # measure ROW COMMAND...
 }
 programs=("$vdsto")
 [ -z "$other" ] || programs+=("$other")
-for round in 1 2 3; do
+for ((round = 0; round < ${VDSTO_BENCH_ROUNDS:-3}; ++round)); do
   for pictures in small large; do
     cat $pictures/*/* >/dev/null
     sync
@@ -76,7 +76,7 @@ row() { # row TEXT KEY FILES
       "$(awk "BEGIN { print (${best[$program $2]} - $walk) * 1e6 / $files }")"
   done
 }
-echo "seconds elapsed, best of three; a walk alone: ${best[walk small]} s and ${best[walk large]} s"
+echo "seconds elapsed, best; a walk alone: ${best[walk small]} s and ${best[walk large]} s"
 row "$small small JPEGs" small "$small"
 row "unchanged" "small again" "$small"
 row "$large of 12 megapixels" large "$large"

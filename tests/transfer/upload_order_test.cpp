@@ -113,6 +113,10 @@ TEST_F(UploadOrderTest, RangesAreNumberedFromTheirFirst) {
   EXPECT_EQ(Joined(Listed(middle), Listed(wide), Listed(beyond)), "|9|5");
   EXPECT_EQ(catalogue_.SetUploadReorder_TOP(none), -1);
   EXPECT_EQ(catalogue_.SetUploadReorder_DOWN(nowhere), -1);
+  CDWordArray from_before{0xFFFFFFFF, 1};
+  Fill("a:0 b:0 c:0 d:0");
+  EXPECT_TRUE(catalogue_.cRangedSelectionSorting(-1, 1, true, from_before));
+  EXPECT_EQ(Queue(), "a:0 c:0 b:0 d:0") << "-1 is the first row then";
 }
 
 TEST_F(UploadOrderTest, PositionsAreReadInPages) {
