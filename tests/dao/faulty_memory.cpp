@@ -26,8 +26,12 @@ void* ReallocateForEngine(void* memory, int size) {
 
 }  // namespace
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return Fails() ? nullptr : std::malloc(size > 0 ? size : 1);
+}
+
 void* operator new(std::size_t size) {
-  void* memory = Fails() ? nullptr : std::malloc(size > 0 ? size : 1);
+  void* memory = operator new(size, std::nothrow);
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
 }
