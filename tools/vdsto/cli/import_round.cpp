@@ -55,7 +55,7 @@ ImportSummary ImportInto(const LibraryOptions& options, const ImportLock& lock,
   FinishPasswordChange(options.folder, options.password, lock);
   Tell(PrepareImageStore(options.folder, lock));
   Tell(PrepareSeal(library, lock));
-  library.CallSearch([](auto& copy) { copy.Prepare(); });
+  library.PrepareSearch();
   return ImportFolders(library, roots, quiet);
 }
 

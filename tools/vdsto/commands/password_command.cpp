@@ -81,7 +81,7 @@ struct Password {
                          const LibraryOptions& options, const ImportLock& lock) {
     Library library(options);
     Tell(PrepareSeal(library, lock));
-    library.CallSearch([](auto& copy) { copy.Prepare(); });
+    library.PrepareSearch();
     const bool is_removed = options.password.empty();
     const char* what = is_removed ? "removed" : old_password.empty() ? "set" : "changed";
     Facts facts;

@@ -151,7 +151,8 @@ void Library::Open(const std::string& password, Use use) {
 
 void Library::PrepareSearch() {
   if (is_read_only_) search_.StepAside();
-  CallSearch([](auto& copy) { copy.Prepare(); });
+  if (search_.IsReady()) return;
+  CallSearch([](auto& copy) { copy.Make(); });
 }
 
 vdstomgr::PhotoArray Library::PhotosIn(uint32_t folder) {

@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <system_error>
 
-#include "tools/vdsto/library/database_password.h"
 #include "tools/vdsto/text/source_location.h"
 
 namespace vdsto {
@@ -26,16 +25,10 @@ SearchCopy::~SearchCopy() {
   if (is_open_) database_.CloseDB();
 }
 
-/// An empty file, or one that has not got its password yet, is what a killed program leaves of a
-/// new one.
-bool SearchCopy::IsBegunOnly() const {
-  std::error_code error;
-  return std::filesystem::file_size(path_, error) == 0 || error ||
-         (!password_.empty() && IsPlainDatabase(path_));
-}
-
+/// An empty file is what a killed program leaves of a new one.
 bool SearchCopy::Open() {
-  if (!is_open_ && !IsBegunOnly())
+  std::error_code error;
+  if (!is_open_ && std::filesystem::file_size(path_, error) > 0 && !error)
     is_open_ = is_read_only_ ? vdstomgr::OpenForReading(database_, path_.c_str(), password_.c_str())
                              : database_.OpenDB(path_.c_str(), password_.c_str());
   return is_open_;
@@ -47,12 +40,12 @@ bool SearchCopy::IsCurrent() {
          database_.GetTotalNoOfFolders() == catalogue_.GetFolderCount();
 }
 
-bool SearchCopy::Prepare() {
-  return (Open() && IsCurrent()) || Make();
+bool SearchCopy::IsReady() {
+  return Open() && IsCurrent();
 }
 
 void SearchCopy::StepAside() {
-  if (Open() && IsCurrent()) return;
+  if (IsReady()) return;
   if (is_open_) database_.CloseDB();
   is_open_ = false;
   path_ = Joined(temporary_.emplace().Path(), "search.vdb");

@@ -22,8 +22,9 @@ class SearchCopy {
   /// for temporary files, where it stays until the end. What is reported meanwhile does not matter.
   void StepAside();
 
-  /// The database, current. False when it could not be made.
-  bool Prepare();
+  /// Is there a copy, and current? One that a killed program has only begun, that is damaged or
+  /// under another password is not, and what is reported of it does not matter.
+  bool IsReady();
   /// Makes it anew.
   bool Make();
   CRkSearchDBManager& Database() { return database_; }
@@ -35,7 +36,6 @@ class SearchCopy {
   void FoldersChanged();
 
  private:
-  bool IsBegunOnly() const;
   bool Open();
   bool IsCurrent();
   bool AddAllPhotos();
